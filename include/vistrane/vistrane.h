@@ -1,0 +1,27 @@
+#pragma once
+
+// Vistrane: an image-editing engine for paint and photo-retouching hosts.
+//
+// This header declares the library's whole public boundary. A host calls, once at start-up,
+//     C_Image::CheckBitmapHeaderType();
+//     glb_CreateImageLUTs();
+// and at shut-down glb_ReleaseImageLUTs(). The library never calls them itself.
+//
+// Pixel layout: an image is a device-independent bitmap of 8 bits (palette indices or grey
+// levels) or 24 bits (blue, green, red) per pixel. Rows are padded to a multiple of four bytes
+// and stored bottom-up, so y = 0, the top row of the picture, is the last row in memory and the
+// stride from one row to the next one down is minus the row length.
+
+#include <vistrane/export.h>
+#include <vistrane/version.h>
+
+#include <vistrane/platform/archive.h>
+#include <vistrane/platform/file.h>
+#include <vistrane/platform/gdi.h>
+#include <vistrane/platform/geometry.h>
+#include <vistrane/platform/keyboard.h>
+#include <vistrane/platform/memory.h>
+#include <vistrane/platform/object.h>
+#include <vistrane/platform/section.h>
+#include <vistrane/platform/text.h>
+#include <vistrane/platform/types.h>
