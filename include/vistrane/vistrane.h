@@ -15,6 +15,10 @@
 #include <vistrane/export.h>
 #include <vistrane/version.h>
 
+#include <vistrane/companion/2dvector.h>
+#include <vistrane/companion/geom.h>
+#include <vistrane/companion/line.h>
+
 #include <vistrane/platform/archive.h>
 #include <vistrane/platform/file.h>
 #include <vistrane/platform/gdi.h>
