@@ -18,6 +18,8 @@
 #include <vistrane/companion/2dvector.h>
 #include <vistrane/companion/geom.h>
 #include <vistrane/companion/line.h>
+#include <vistrane/path/path_point.h>
+#include <vistrane/path/sub_path.h>
 
 #include <vistrane/platform/archive.h>
 #include <vistrane/platform/file.h>
