@@ -19,6 +19,7 @@
 #include <vistrane/companion/geom.h>
 #include <vistrane/companion/line.h>
 #include <vistrane/path/path_point.h>
+#include <vistrane/path/path_svg.h>
 #include <vistrane/path/point_path.h>
 #include <vistrane/path/sub_path.h>
 
