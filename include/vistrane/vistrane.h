@@ -24,7 +24,9 @@
 #include <vistrane/path/sub_path.h>
 
 #include <vistrane/platform/archive.h>
+#include <vistrane/platform/dc.h>
 #include <vistrane/platform/file.h>
+#include <vistrane/platform/font.h>
 #include <vistrane/platform/gdi.h>
 #include <vistrane/platform/geometry.h>
 #include <vistrane/platform/keyboard.h>

@@ -23,6 +23,9 @@
 #include <vistrane/export.h>
 #include <vistrane/path/sub_path.h>
 #include <vistrane/platform/geometry.h>
+#include <vistrane/platform/text.h>
+
+class CFont;
 
 class VISTRANE_API C_PointPath {
   public:
@@ -75,6 +78,19 @@ class VISTRANE_API C_PointPath {
     // Reads a path file, after a Reset unless `append` is non-zero. 0 on any failure (missing
     // file, wrong magic, N < 1, a damaged record); sub-paths read before the failure stay.
     int LoadFromFile(const char* fileName, int append);
+
+    // The outlines of `text` set in `font`, with the text cell's top-left at `origin`, as
+    // sub-paths of lines and cubic segments (the device path is not flattened), after a Reset
+    // unless `append` is non-zero. New sub-paths go to the head, so the figures stand in reverse
+    // order. 1 on success, also for a text without outlines (spaces); 0 when the device, the
+    // font or an allocation fails.
+    int CreateFromText(CString& text, CFont* font, CPoint origin, int append);
+    // Turns a device path (points with PT_MOVETO, PT_LINETO, PT_BEZIERTO types, PT_CLOSEFIGURE
+    // or-ed in) into sub-paths, after a Reset unless `append` is non-zero. Each PT_MOVETO starts
+    // a new sub-path at the head; a closed figure is closed when it has 3 or more anchors. New
+    // points have flags 0x07 and attributes PPA_LINKED_DIRECTIONS. 0 when a sub-path cannot be
+    // allocated (the loop stops there).
+    int AddSubPathsFromGDICurves(tagPOINT* points, unsigned char* types, int n, int append);
 
   protected:
     C_SubPath* m_FirstSubPath = nullptr;
