@@ -6,7 +6,9 @@
 #include <vistrane/path/contour_bug.h>
 
 #include <algorithm>
+#include <cstring>
 #include <new>
+#include <vector>
 
 #include <vistrane/path/point_path.h>
 
@@ -126,22 +128,25 @@ namespace vistrane::path {
 long MarkEdgePixels(const unsigned char* mask, long maskScan, unsigned char* inner, long scan,
                     long width, long height) {
     // The same bytes as marking interior pixels 254 and edge pixels 255 in place and then
-    // clearing everything below 255, computed in one pass from the source mask.
+    // clearing everything below 255, computed in one pass from the source mask. The rows above
+    // the first and below the last read as unselected; the loop body is branch-free so that
+    // the compiler can vectorise it.
+    std::vector<unsigned char> empty(static_cast<size_t>(width), 0);
     long edges = 0;
     for (long y = 0; y < height; ++y) {
         const unsigned char* row = mask - y * maskScan;
-        const unsigned char* up = y > 0 ? row + maskScan : nullptr;
-        const unsigned char* down = y + 1 < height ? row - maskScan : nullptr;
+        const unsigned char* up = y > 0 ? row + maskScan : empty.data();
+        const unsigned char* down = y + 1 < height ? row - maskScan : empty.data();
         unsigned char* out = inner - y * scan;
         for (long x = 0; x < width; ++x) {
-            if (row[x] == 0) {
-                out[x] = 0;
-                continue;
-            }
-            const bool interior = x > 0 && row[x - 1] != 0 && x + 1 < width && row[x + 1] != 0 &&
-                                  up != nullptr && up[x] != 0 && down != nullptr && down[x] != 0;
-            out[x] = interior ? 0 : kEdge;
-            edges += interior ? 0 : 1;
+            const unsigned left = x > 0 ? row[x - 1] : 0;
+            const unsigned right = x + 1 < width ? row[x + 1] : 0;
+            const unsigned isEdge =
+                static_cast<unsigned>(row[x] != 0) &
+                (static_cast<unsigned>(left == 0) | static_cast<unsigned>(right == 0) |
+                 static_cast<unsigned>(up[x] == 0) | static_cast<unsigned>(down[x] == 0));
+            out[x] = static_cast<unsigned char>(0u - isEdge);  // 1 -> 255, 0 -> 0
+            edges += isEdge;
         }
     }
     return edges;
@@ -158,10 +163,14 @@ CB_ContourFollowResult TraceEdgePixels(C_ContourBug* bug, unsigned char* inner, 
     for (long y = 0; y < height; ++y) {
         unsigned char* row = inner - y * scan;
         for (long x = 0; x < width; ++x) {
-            if (row[x] != kEdge) {
-                continue;
+            // Most of a row is empty: let memchr find the next untraced edge pixel.
+            auto* found = static_cast<unsigned char*>(
+                std::memchr(row + x, kEdge, static_cast<size_t>(width - x)));
+            if (found == nullptr) {
+                break;
             }
-            unsigned char* start = row + x;
+            x = found - row;
+            unsigned char* start = found;
             const long length = bug->BackTrackFollowThisContour(start, label);
             if (labelledTop < 0) {
                 labelledTop = y;
@@ -191,8 +200,9 @@ CB_ContourFollowResult TraceEdgePixels(C_ContourBug* bug, unsigned char* inner, 
                 // border bytes) form one run of memory.
                 unsigned char* first = inner - labelledBottom * scan - 1;
                 unsigned char* end = inner - labelledTop * scan + width + 1;
-                std::replace_if(
-                    first, end, [](unsigned char v) { return v != kEdge; }, 0);
+                for (unsigned char* p = first; p != end; ++p) {
+                    *p = static_cast<unsigned char>(0u - static_cast<unsigned>(*p == kEdge));
+                }
                 label = kFirstLabel;
                 labelledTop = -1;
                 labelledBottom = -1;

@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "path/bezier_eval.h"
+
 namespace {
 
 constexpr unsigned char kNewPointFlags =
@@ -343,17 +345,7 @@ void C_SubPath::OffSetSelectedAnchors(CSize d) {
 }
 
 C_2DVector C_SubPath::BezierCurvePoint(int i, int j, double t) const {
-    const S_PathPoint& a = m_Points[i];
-    const S_PathPoint& b = m_Points[j];
-    C_2DVector p[4] = {C_2DVector(a.m_Anchor), C_2DVector(a.m_Anchor + a.m_NextDirection),
-                       C_2DVector(b.m_Anchor + b.m_PrevDirection), C_2DVector(b.m_Anchor)};
-    const double s = 1.0 - t;
-    for (int level = 3; level > 0; --level) {
-        for (int k = 0; k < level; ++k) {
-            p[k] = p[k] * s + p[k + 1] * t;
-        }
-    }
-    return p[0];
+    return vistrane::path::EvalCubic(vistrane::path::SegmentControls(m_Points[i], m_Points[j]), t);
 }
 
 C_2DVector C_SubPath::GetCenterTangent(int i) const {

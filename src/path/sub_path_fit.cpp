@@ -20,8 +20,11 @@
 // splitting makes the whole fit O(n log n) for typical strokes.
 
 #include <cstdlib>
+#include <limits>
 
 #include <vistrane/path/sub_path.h>
+
+#include "path/bezier_eval.h"
 
 namespace {
 
@@ -102,12 +105,16 @@ void C_SubPath::FitCubic(int first, int last, C_2DVector tHat1, C_2DVector tHat2
 
         Parametrize(first, last);
         GenerateBezier(first, last, tHat1, tHat2);
+        // Before the last round only "is the error reached?" matters: the split and the exact
+        // error are overwritten by the next round, so those measurements stop at the first
+        // point that reaches the error.
         int split = 0;
-        double e = ComputeMaxError(first, last, &split);
+        double e = ComputeMaxError(first, last, &split, m_FitSqError);
         for (int round = 0; e >= m_FitSqError && round < 3; ++round) {
             ReParametrize(first, last);
             GenerateBezier(first, last, tHat1, tHat2);
-            e = ComputeMaxError(first, last, &split);
+            e = round < 2 ? ComputeMaxError(first, last, &split, m_FitSqError)
+                          : ComputeMaxError(first, last, &split);
         }
         if (e <= m_FitSqError) {
             return;
@@ -190,13 +197,12 @@ void C_SubPath::ReParametrize(int first, int last) {
 }
 
 void C_SubPath::NewtonRaphsonRootFind(int first, int last, double* u, const S_PathPoint* p) const {
-    const S_PathPoint& a = m_Points[first];
-    const S_PathPoint& b = m_Points[last];
-    const C_2DVector q[4] = {C_2DVector(a.m_Anchor), C_2DVector(a.m_Anchor + a.m_NextDirection),
-                             C_2DVector(b.m_Anchor + b.m_PrevDirection), C_2DVector(b.m_Anchor)};
-    const C_2DVector q1[3] = {(q[1] - q[0]) * 3.0, (q[2] - q[1]) * 3.0, (q[3] - q[2]) * 3.0};
+    const vistrane::path::CubicControls c =
+        vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
+    const C_2DVector q1[3] = {(c.p[1] - c.p[0]) * 3.0, (c.p[2] - c.p[1]) * 3.0,
+                              (c.p[3] - c.p[2]) * 3.0};
     const C_2DVector q2[2] = {(q1[1] - q1[0]) * 2.0, (q1[2] - q1[1]) * 2.0};
-    const C_2DVector qu = BezierCurvePoint(first, last, *u) - C_2DVector(p->m_Anchor);
+    const C_2DVector qu = vistrane::path::EvalCubic(c, *u) - C_2DVector(p->m_Anchor);
     const C_2DVector q1u = BezierCurveVelocity(q1, *u);
     const C_2DVector q2u = BezierCurveAcceleration(q2, *u);
     const double numerator = qu.DotProduct(q1u);
@@ -207,15 +213,24 @@ void C_SubPath::NewtonRaphsonRootFind(int first, int last, double* u, const S_Pa
 }
 
 double C_SubPath::ComputeMaxError(int first, int last, int* split) const {
+    return ComputeMaxError(first, last, split, std::numeric_limits<double>::infinity());
+}
+
+double C_SubPath::ComputeMaxError(int first, int last, int* split, double stopAt) const {
     *split = (first + 1 + last) / 2;
+    const vistrane::path::CubicControls c =
+        vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
     double maxDist = 0.0;
     for (int i = first + 1; i < last; ++i) {
         const double d =
-            (BezierCurvePoint(first, last, m_FitParams[i]) - Anchor(m_Points, i)).SelfDotProduct();
+            (vistrane::path::EvalCubic(c, m_FitParams[i]) - Anchor(m_Points, i)).SelfDotProduct();
         // Ties go to the later point. A NaN distance never compares, so it cannot be chosen.
         if (d >= maxDist) {
             maxDist = d;
             *split = i;
+            if (d >= stopAt) {
+                break;
+            }
         }
     }
     return maxDist;

@@ -127,6 +127,8 @@ class VISTRANE_API C_SubPath {
     void ReParametrize(int first, int last);
     void NewtonRaphsonRootFind(int first, int last, double* u, const S_PathPoint* p) const;
     double ComputeMaxError(int first, int last, int* split) const;
+    // The same, returning as soon as a squared distance reaches `stopAt`.
+    double ComputeMaxError(int first, int last, int* split, double stopAt) const;
     C_2DVector ComputeLeftTangent(int i) const;
     C_2DVector ComputeRightTangent(int i) const;
 
