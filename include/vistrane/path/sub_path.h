@@ -18,6 +18,8 @@
 #include <vistrane/path/path_point.h>
 #include <vistrane/platform/geometry.h>
 
+class CFile;
+
 class VISTRANE_API C_SubPath {
   public:
     C_SubPath() = default;
@@ -115,6 +117,12 @@ class VISTRANE_API C_SubPath {
     // splitting at the largest error). The selection is used as the fit's bookkeeping and is
     // cleared on return; anchors are hidden afterwards.
     void Simplify(double error, int first, int last);
+
+    // One record of the path file at the file's position; 1, or 0 when the file failed.
+    int SaveToCFile(CFile* file) const;
+    // Reads one record into this empty sub-path; 1, or 0 after a Reset on a short read, a
+    // count below 1 or beyond what the file holds, a failed allocation or a file error.
+    int CreateFromCFile(CFile* file);
 
     static C_2DVector BezierCurveVelocity(const C_2DVector* v, double t);
     static C_2DVector BezierCurveAcceleration(const C_2DVector* v, double t);
