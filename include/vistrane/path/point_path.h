@@ -26,6 +26,7 @@
 #include <vistrane/platform/text.h>
 
 class CFont;
+class C_Image;
 
 class VISTRANE_API C_PointPath {
   public:
@@ -79,6 +80,12 @@ class VISTRANE_API C_PointPath {
     // file, wrong magic, N < 1, a damaged record); sub-paths read before the failure stay.
     int LoadFromFile(const char* fileName, int append);
 
+    // Traces every outline of the 8-bit `mask` (non-zero selected), fits each with
+    // Simplify(tolerance) (tolerance clamped to 0.5 .. 10.0 pixels), moves it by `offset` and
+    // closes it when it keeps 3 or more anchors; after a Reset unless `append` is non-zero.
+    // Outer outlines and holes are both sub-paths. 0 when the mask has no image or no selected
+    // pixel, or memory runs out (outlines traced before that stay, unfitted).
+    int CreateFromMask(C_Image* mask, CSize offset, double tolerance, int append);
     // The outlines of `text` set in `font`, with the text cell's top-left at `origin`, as
     // sub-paths of lines and cubic segments (the device path is not flattened), after a Reset
     // unless `append` is non-zero. New sub-paths go to the head, so the figures stand in reverse
