@@ -5,6 +5,7 @@
 #include <vistrane/path/point_path.h>
 #include <vistrane/platform/dc.h>
 #include <vistrane/platform/font.h>
+#include <vistrane/platform/text.h>
 
 TEST(C_PointPathGDICurves, FiguresBecomeSubPathsWithDirectionOffsets) {
     // A closed figure: a line then a cubic back towards the start; then an open two-point
@@ -93,4 +94,26 @@ TEST(C_PointPathGDICurves, TheLetterOGivesTwoClosedSubPaths) {
     EXPECT_GT(outer.right, inner.right);
     EXPECT_GT(outer.bottom, inner.bottom);
     EXPECT_GT(inner.Width(), 20);
+}
+
+TEST(C_PointPathText, CreateFromTextOutlinesLettersAndSkipsSpaces) {
+    CFont font;
+    if (font.CreateFont("DejaVu Sans", 80) == 0) {
+        GTEST_SKIP() << "no DejaVu Sans installed";
+    }
+    C_PointPath path;
+    CString o("O");
+    ASSERT_EQ(path.CreateFromText(o, &font, CPoint(5, 5), 0), 1);
+    ASSERT_EQ(path.GetNSubPaths(), 2);
+    EXPECT_EQ(path.GetFirstSubPath()->IsClosed(), 1);
+    EXPECT_EQ(path.GetFirstSubPath()->GetNext()->IsClosed(), 1);
+
+    CString spaces("   ");
+    ASSERT_EQ(path.CreateFromText(spaces, &font, CPoint(5, 5), 1), 1);
+    EXPECT_EQ(path.GetNSubPaths(), 2);
+    CString hi("Hi");  // H: one contour; i: stem and dot
+    ASSERT_EQ(path.CreateFromText(hi, &font, CPoint(0, 0), 1), 1);
+    EXPECT_EQ(path.GetNSubPaths(), 5);
+    CFont none;
+    EXPECT_EQ(path.CreateFromText(hi, &none, CPoint(0, 0), 1), 0);
 }
