@@ -15,8 +15,19 @@
 #include <vistrane/export.h>
 #include <vistrane/version.h>
 
+#include <vistrane/companion/2dvector.h>
+#include <vistrane/companion/geom.h>
+#include <vistrane/companion/line.h>
+#include <vistrane/path/contour_bug.h>
+#include <vistrane/path/path_point.h>
+#include <vistrane/path/path_svg.h>
+#include <vistrane/path/point_path.h>
+#include <vistrane/path/sub_path.h>
+
 #include <vistrane/platform/archive.h>
+#include <vistrane/platform/dc.h>
 #include <vistrane/platform/file.h>
+#include <vistrane/platform/font.h>
 #include <vistrane/platform/gdi.h>
 #include <vistrane/platform/geometry.h>
 #include <vistrane/platform/keyboard.h>
