@@ -86,52 +86,66 @@ Tap100 Tap100For(long long d, int n, int m) {
     return {c, nc, offset < 0 ? -offset : offset};
 }
 
+// term[w][p] = p * w / 100, truncated: one term of the expanding rule, looked up instead of
+// multiplied and divided (101 x 256 bytes, within the first-level cache).
+struct TermTable {
+    BYTE term[101][256];
+    TermTable() {
+        for (int w = 0; w <= 100; ++w) {
+            for (int p = 0; p < 256; ++p) {
+                term[w][p] = static_cast<BYTE>(p * w / 100);
+            }
+        }
+    }
+};
+
+const TermTable& Terms() {
+    static const TermTable table;
+    return table;
+}
+
 template <int Bpp>
 bool ExpandRows(const ConstPixelView& src, const PixelView& dst) {
     const int w = src.width;
     const int h = src.height;
     const int dw = dst.width;
+    const TermTable& terms = Terms();
     auto cols = TryAllocate<Tap100>(static_cast<std::size_t>(dw));
-    // Per destination column: the four weights of the present row, wM, wC, wR, wD.
-    auto weights = TryAllocate<std::int32_t>(static_cast<std::size_t>(dw) * 4);
-    if (!cols || !weights) {
+    if (!cols) {
         return false;
     }
     for (int x = 0; x < dw; ++x) {
         const Tap100 t = Tap100For(x, w, dw);
         cols[x] = {t.c * Bpp, t.nc * Bpp, t.a};
     }
-    int lastAy = -1;
+    // The four weights depend only on ax and ay (0..50): per row, the term rows of wM (the
+    // pixel), wC (neighbour column), wR (neighbour row) and wD (diagonal) for every ax.
+    const BYTE* weights[51][4];
     for (int y = 0; y < dst.height; ++y) {
         const Tap100 ty = Tap100For(y, h, dst.height);
         const int ay = ty.a;
-        if (ay != lastAy) {
-            for (int x = 0; x < dw; ++x) {
-                const int ax = cols[x].a;
-                const int wD = ay * ax / 100;
-                const int wR = (100 - ax) * ay / 100;
-                const int wC = (100 - ay) * ax / 100;
-                std::int32_t* wt = &weights[static_cast<std::size_t>(x) * 4];
-                wt[0] = 100 - wC - wR - wD;
-                wt[1] = wC;
-                wt[2] = wR;
-                wt[3] = wD;
-            }
-            lastAy = ay;
+        for (int ax = 0; ax <= 50; ++ax) {
+            const int wD = ay * ax / 100;
+            const int wR = (100 - ax) * ay / 100;
+            const int wC = (100 - ay) * ax / 100;
+            weights[ax][0] = terms.term[100 - wC - wR - wD];
+            weights[ax][1] = terms.term[wC];
+            weights[ax][2] = terms.term[wR];
+            weights[ax][3] = terms.term[wD];
         }
         const BYTE* row = src.Row(ty.c);
         const BYTE* nrow = src.Row(ty.nc);
         BYTE* out = dst.Row(y);
         for (int x = 0; x < dw; ++x) {
-            const std::int32_t* wt = &weights[static_cast<std::size_t>(x) * 4];
+            const BYTE* const* wt = weights[cols[x].a];
             const BYTE* p0 = row + cols[x].c;
             const BYTE* pc = row + cols[x].nc;
             const BYTE* pr = nrow + cols[x].c;
             const BYTE* pd = nrow + cols[x].nc;
             for (int ch = 0; ch < Bpp; ++ch) {
                 // Each term truncated on its own: the weights sum to 100, the result to 255.
-                out[ch] = static_cast<BYTE>(p0[ch] * wt[0] / 100 + pc[ch] * wt[1] / 100 +
-                                            pr[ch] * wt[2] / 100 + pd[ch] * wt[3] / 100);
+                out[ch] = static_cast<BYTE>(wt[0][p0[ch]] + wt[1][pc[ch]] + wt[2][pr[ch]] +
+                                            wt[3][pd[ch]]);
             }
             out += Bpp;
         }
@@ -210,62 +224,69 @@ bool ReduceYRows(const ConstPixelView& src, const PixelView& dst) {
 
 // ---- ResampleReduceXY ----------------------------------------------------------------------
 
-template <int Bpp, typename Sum>
-void AddRuns(const BYTE* in, const std::int32_t* starts, int dw, Sum* acc) {
-    for (int x = 0; x < dw; ++x) {
-        const int end = starts[x + 1];
-        for (int ch = 0; ch < Bpp; ++ch) {
-            Sum sum = 0;
-            for (int i = starts[x]; i < end; ++i) {
-                sum += in[i * Bpp + ch];
-            }
-            acc[x * Bpp + ch] += sum;
-        }
-    }
+// Exact division of a box total by the box's size d. (sum / rows) / columns equals
+// sum / (rows * columns) for non-negative integers, so one division serves. Totals are at most
+// 255 * d; with m = ceil(2^40 / d) the error of (x * m) >> 40 stays below 1 / d for
+// 255 * d^2 <= 2^40, which keeps the quotient exact; larger boxes divide.
+struct BoxDivisor {
+    std::uint64_t d;
+    std::uint64_t m;
+    bool exactByMultiply;
+};
+
+BoxDivisor MakeBoxDivisor(std::uint64_t d) {
+    const bool small = 255 * d * d <= (std::uint64_t{1} << 40);
+    return {d, ((std::uint64_t{1} << 40) + d - 1) / d, small};
 }
 
-// The common reduction by three, unrolled: every run is three samples long.
-template <int Bpp, typename Sum>
-void AddRunsOfThree(const BYTE* in, int dw, Sum* acc) {
-    for (int x = 0; x < dw; ++x) {
-        for (int ch = 0; ch < Bpp; ++ch) {
-            acc[ch] += static_cast<Sum>(in[ch] + in[Bpp + ch] + in[2 * Bpp + ch]);
-        }
-        in += 3 * Bpp;
-        acc += Bpp;
+inline std::uint64_t Divide(std::uint64_t x, const BoxDivisor& div) {
+    return div.exactByMultiply ? (x * div.m) >> 40 : x / div.d;
+}
+
+// Adds a source row into the column sums of the band; a plain loop the compiler vectorises.
+template <typename Sum>
+void AddRow(const BYTE* __restrict in, int count, Sum* __restrict acc) {
+    for (int i = 0; i < count; ++i) {
+        acc[i] += in[i];
     }
 }
 
 template <int Bpp, typename Sum>
 bool ReduceXYRows(const ConstPixelView& src, const PixelView& dst) {
     const int dw = dst.width;
-    const std::size_t sums = static_cast<std::size_t>(dw) * Bpp;
+    const int rowBytes = src.RowBytes();
     std::unique_ptr<std::int32_t[]> starts;
     std::unique_ptr<std::int32_t[]> bands;
-    auto acc = TryAllocate<Sum>(sums);
-    if (!acc || !RunStarts(src.width, dw, starts) || !RunStarts(src.height, dst.height, bands)) {
+    auto acc = TryAllocate<Sum>(static_cast<std::size_t>(rowBytes));
+    auto divisors = TryAllocate<BoxDivisor>(static_cast<std::size_t>(dw));
+    if (!acc || !divisors || !RunStarts(src.width, dw, starts) ||
+        !RunStarts(src.height, dst.height, bands)) {
         return false;
     }
-    bool allThree = true;
-    for (int x = 0; x < dw; ++x) {
-        allThree = allThree && starts[x] == 3 * x && starts[x + 1] == 3 * x + 3;
-    }
+    int lastRows = 0;
     for (int y = 0; y < dst.height; ++y) {
-        std::fill(acc.get(), acc.get() + sums, Sum{0});
-        for (int j = bands[y]; j < bands[y + 1]; ++j) {
-            if (allThree) {
-                AddRunsOfThree<Bpp, Sum>(src.Row(j), dw, acc.get());
-            } else {
-                AddRuns<Bpp, Sum>(src.Row(j), starts.get(), dw, acc.get());
+        const int rows = bands[y + 1] - bands[y];
+        if (rows != lastRows) {
+            for (int x = 0; x < dw; ++x) {
+                divisors[x] = MakeBoxDivisor(static_cast<std::uint64_t>(rows) *
+                                             static_cast<std::uint64_t>(starts[x + 1] - starts[x]));
             }
+            lastRows = rows;
         }
-        const Sum rows = static_cast<Sum>(bands[y + 1] - bands[y]);
+        std::fill(acc.get(), acc.get() + rowBytes, Sum{0});
+        for (int j = bands[y]; j < bands[y + 1]; ++j) {
+            AddRow(src.Row(j), rowBytes, acc.get());
+        }
         BYTE* out = dst.Row(y);
         for (int x = 0; x < dw; ++x) {
-            const Sum cols = static_cast<Sum>(starts[x + 1] - starts[x]);
+            const Sum* column = acc.get() + static_cast<std::ptrdiff_t>(starts[x]) * Bpp;
+            const int cols = starts[x + 1] - starts[x];
             for (int ch = 0; ch < Bpp; ++ch) {
-                // Two truncating divisions, rows first.
-                out[x * Bpp + ch] = static_cast<BYTE>(acc[x * Bpp + ch] / rows / cols);
+                std::uint64_t total = 0;
+                for (int i = 0; i < cols; ++i) {
+                    total += column[i * Bpp + ch];
+                }
+                out[x * Bpp + ch] = static_cast<BYTE>(Divide(total, divisors[x]));
             }
         }
     }
@@ -317,7 +338,13 @@ bool ResampleReduceY(const ConstPixelView& src, const PixelView& dst) {
 bool ResampleReduceXY(const ConstPixelView& src, const PixelView& dst) {
     assert(src.bytesPerPixel == dst.bytesPerPixel && !src.Empty() && !dst.Empty());
     assert(dst.width < src.width && dst.height < src.height);
-    if (FitsNarrowSums(LongestRun(src.width, dst.width) * LongestRun(src.height, dst.height))) {
+    // Column sums gather one band of rows.
+    const long long rows = LongestRun(src.height, dst.height);
+    if (rows * 255 <= std::numeric_limits<std::uint16_t>::max()) {
+        return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint16_t>(src, dst)
+                                      : ReduceXYRows<1, std::uint16_t>(src, dst);
+    }
+    if (FitsNarrowSums(rows)) {
         return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint32_t>(src, dst)
                                       : ReduceXYRows<1, std::uint32_t>(src, dst);
     }
