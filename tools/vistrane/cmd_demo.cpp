@@ -54,10 +54,37 @@ std::string WritePicturePng(DemoContext& context) {
     return SaveInto(context, context.picture, "picture.png");
 }
 
+// The transformed results leave the picture itself unchanged for the steps after them.
+std::string WriteTransformed(DemoContext& context, const char* fileName,
+                             int (*transform)(C_Image& image)) {
+    C_Image copy;
+    if (!copy.Clone(&context.picture) || !transform(copy)) {
+        return "not enough memory";
+    }
+    return SaveInto(context, copy, fileName);
+}
+
+std::string WriteRotated(DemoContext& context) {
+    return WriteTransformed(context, "rotated.png",
+                            [](C_Image& image) { return image.Rotate1To359(30); });
+}
+
+std::string WriteResized(DemoContext& context) {
+    return WriteTransformed(context, "resized.png", [](C_Image& image) {
+        return image.Resample(CSize(image.Width() / 3, image.Height() / 3));
+    });
+}
+
+std::string WriteEnlarged(DemoContext& context) {
+    return WriteTransformed(context, "enlarged.png", [](C_Image& image) {
+        return image.Resample(CSize(image.Width() * 3 / 2, image.Height() * 3 / 2));
+    });
+}
+
 constexpr DemoStep kDemoSteps[] = {
-    {"render picture", RenderPicture},
-    {"write picture.bmp", WritePictureBmp},
-    {"write picture.png", WritePicturePng},
+    {"render picture", RenderPicture},      {"write picture.bmp", WritePictureBmp},
+    {"write picture.png", WritePicturePng}, {"rotate by 30 degrees", WriteRotated},
+    {"resample to a third", WriteResized},  {"resample by 3/2", WriteEnlarged},
 };
 
 int RunDemo(const Subcommand& command, const ParsedArgs& args) {

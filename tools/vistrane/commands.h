@@ -9,6 +9,8 @@ namespace vistrane::cli {
 
 extern const Subcommand kInfoCommand;
 extern const Subcommand kConvertCommand;
+extern const Subcommand kResizeCommand;
+extern const Subcommand kRotateCommand;
 extern const Subcommand kDemoCommand;
 
 }  // namespace vistrane::cli

@@ -17,6 +17,8 @@ using vistrane::cli::Subcommand;
 const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kInfoCommand,
     &vistrane::cli::kConvertCommand,
+    &vistrane::cli::kResizeCommand,
+    &vistrane::cli::kRotateCommand,
     &vistrane::cli::kDemoCommand,
 };
 

@@ -228,9 +228,58 @@ public:
     // With infoHeader40 set, the layout this library writes (40-byte header, 4-byte colours).
     BITMAPFILEHEADER* MakeOwnBitmapFileHeader(BITMAPFILEHEADER* header, int infoHeader40);
 
+    // ---- Geometric transforms: resampling and resizing -------------------------------------
+
+    // Exactly DIBResize(size).
+    int Resize(CSize size);
+    // Nearest-neighbour resize in place, every format; 0 (image unchanged) when the new image
+    // cannot be made.
+    int DIBResize(CSize size);
+    // Filtered resize in place for images whose bytes are intensities (24-bit and grey):
+    // linear interpolation along an enlarged axis, box averaging along a reduced one. Other
+    // images are resized by nearest neighbour. 0 (image unchanged) on lack of memory.
+    int Resample(CSize size);
+    // Resizes to fit maxWidth x maxHeight keeping the proportions; 1 without change when the
+    // image already fits.
+    int DIBResizeKeepRatio(long maxWidth, long maxHeight);
+    // This image made with source's format and colours, of `size`, filled from the whole of
+    // source by nearest neighbour; 0 when it cannot be made.
+    int DIBCreateResizing(CSize size, C_Image* source);
+    // Fills the whole of this image from the whole of source by nearest neighbour; the two
+    // must have the same pixel format.
+    void DIBResizeFrom(C_Image* source);
+
+    // ---- Geometric transforms: rotation and flips ------------------------------------------
+
+    // Quarter turns clockwise and counter-clockwise; 0 (unchanged) on lack of memory.
+    int RotateRight();
+    int RotateLeft();
+    // Turns clockwise by whole degrees (or a double): quarter turns and a half turn exactly,
+    // the rest of at most 45 degrees by three shears with 12-bit blending (24-bit and grey
+    // images) or by copying indices (palette images). What the turn uncovers takes the
+    // background paint colour; the canvas grows to hold the sheared picture.
+    int Rotate1To359(int degrees);
+    int Rotate1To359Double(double degrees);
+    // The three-shear rotation itself, by radians (positive turns counter-clockwise), or by
+    // -degrees converted to radians.
+    int InternalRotate(int degrees);
+    int InternalRotatePaletteImage(int degrees);
+    int InternalRotateDouble(double radians);
+    int InternalRotateDoubleMask(double radians);
+    int InternalRotatePaletteImageDouble(double radians);
+    // Mirror in place.
+    void FlipHorizontal();
+    void FlipVertical();
+
 private:
     static CObject* CreateObject();
     int LoadBitmapFileBlock(const BYTE* block, unsigned long blockBytes, bool blockBytesKnown);
+    int CommonRotate(int right);
+    int ResampleExpand(long x, long y, long width, long height, C_Image* target, CSize size);
+    int ResampleX(long x, long y, long width, long height, C_Image* target, CSize size);
+    int ResampleY(long x, long y, long width, long height, C_Image* target, CSize size);
+    int ResampleXY(long x, long y, long width, long height, C_Image* target, CSize size);
+    int RunResampleWorker(long x, long y, long width, long height, C_Image* target, CSize size);
 
     HANDLE m_hMap = 0;
     void* m_pMapBuffer = nullptr;

@@ -1,0 +1,224 @@
+#include "xform/rotate.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+
+#include "image/pixel_rows.h"
+
+namespace vistrane::xform {
+
+using image::ConstPixelView;
+using image::PixelView;
+
+// ---- Quarter turns and flips ---------------------------------------------------------------
+
+namespace {
+
+// Square tiles keep both the rows read and the rows written in the first-level cache.
+constexpr int kTurnTile = 32;
+
+template <int Bpp>
+void QuarterTurnTiles(const ConstPixelView& src, const PixelView& dst, bool clockwise) {
+    const int w = src.width;
+    const int h = src.height;
+    for (int y0 = 0; y0 < dst.height; y0 += kTurnTile) {
+        const int y1 = std::min(y0 + kTurnTile, dst.height);
+        for (int x0 = 0; x0 < dst.width; x0 += kTurnTile) {
+            const int x1 = std::min(x0 + kTurnTile, dst.width);
+            for (int y = y0; y < y1; ++y) {
+                BYTE* out = dst.Row(y) + static_cast<std::ptrdiff_t>(x0) * Bpp;
+                // New row y is old column y (clockwise, read upward) or w - 1 - y (downward).
+                const int column = clockwise ? y : w - 1 - y;
+                const BYTE* in = src.firstRow + static_cast<std::ptrdiff_t>(column) * Bpp;
+                for (int x = x0; x < x1; ++x, out += Bpp) {
+                    const int row = clockwise ? h - 1 - x : x;
+                    std::memcpy(out, in + src.strideBytes * row, Bpp);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void QuarterTurn(const ConstPixelView& src, const PixelView& dst, bool clockwise) {
+    assert(dst.width == src.height && dst.height == src.width);
+    assert(src.bytesPerPixel == dst.bytesPerPixel);
+    if (src.bytesPerPixel == 3) {
+        QuarterTurnTiles<3>(src, dst, clockwise);
+    } else {
+        QuarterTurnTiles<1>(src, dst, clockwise);
+    }
+}
+
+void FlipRowRef(BYTE* row, int count, int bytesPerPixel) {
+    BYTE* left = row;
+    BYTE* right = row + static_cast<std::ptrdiff_t>(count - 1) * bytesPerPixel;
+    for (int x = 0; x < count / 2; ++x, left += bytesPerPixel, right -= bytesPerPixel) {
+        std::swap_ranges(left, left + bytesPerPixel, right);
+    }
+}
+
+void FlipHorizontal(const PixelView& view) {
+    for (int y = 0; y < view.height; ++y) {
+        FlipRowRef(view.Row(y), view.width, view.bytesPerPixel);
+    }
+}
+
+void FlipVertical(const PixelView& view) {
+    const std::size_t bytes = static_cast<std::size_t>(view.RowBytes());
+    for (int y = 0; y < view.height / 2; ++y) {
+        std::swap_ranges(view.Row(y), view.Row(y) + bytes, view.Row(view.height - 1 - y));
+    }
+}
+
+// ---- Three-shear rotation ------------------------------------------------------------------
+
+namespace {
+
+bool ToInt(double value, int& out) {
+    const double truncated = std::trunc(value);
+    if (!(truncated >= 0.0 && truncated <= std::numeric_limits<int>::max())) {
+        return false;
+    }
+    out = static_cast<int>(truncated);
+    return true;
+}
+
+// A shear offset split into whole pixels and 1/4096 of a pixel, both truncated.
+struct SplitOffset {
+    int whole;
+    int frac;
+};
+
+SplitOffset Split(double offset) {
+    const int whole = static_cast<int>(offset);
+    return {whole, static_cast<int>((offset - whole) * 4096)};
+}
+
+template <int Bpp>
+inline void Blend12(BYTE* out, const BYTE* p, const BYTE* prev, int f) {
+    for (int ch = 0; ch < Bpp; ++ch) {
+        out[ch] = static_cast<BYTE>((p[ch] * (4096 - f) + prev[ch] * f + 2048) >> 12);
+    }
+}
+
+// Writes n source pixels (`inStep` bytes apart) at line positions whole + disp + i of a line of
+// `length` pixels (`outStep` bytes apart) already filled with the background. Positions off
+// the line are skipped and do not become the previous pixel. When the fraction is non-zero the
+// position after the run, if on the line, gets the last pixel's share of the background.
+template <int Bpp, ShearMode Mode>
+void ShearLine(const BYTE* in, std::ptrdiff_t inStep, int n, BYTE* out, std::ptrdiff_t outStep,
+               int length, SplitOffset offset, int disp, const BYTE* bg) {
+    const int start = offset.whole + disp;
+    const int first = std::max(0, -start);
+    const int end = std::min(n, length - start);
+    const BYTE* prev = bg;
+    for (int i = first; i < end; ++i) {
+        const BYTE* p = in + inStep * i;
+        BYTE* o = out + outStep * (start + i);
+        if constexpr (Mode == ShearMode::Blend) {
+            Blend12<Bpp>(o, p, prev, offset.frac);
+        } else {
+            std::memcpy(o, p, Bpp);
+        }
+        prev = p;
+    }
+    const int after = start + n;
+    if (offset.frac > 0 && after >= 0 && after < length) {
+        BYTE* o = out + outStep * after;
+        if constexpr (Mode == ShearMode::Blend) {
+            Blend12<Bpp>(o, bg, prev, offset.frac);
+        } else {
+            std::memcpy(o, bg, Bpp);
+        }
+    }
+}
+
+void FillBuffer(BYTE* buffer, std::size_t pixels, int bpp, const BYTE* bg) {
+    if (bpp == 1) {
+        std::memset(buffer, bg[0], pixels);
+        return;
+    }
+    for (std::size_t i = 0; i < pixels; ++i) {
+        std::memcpy(buffer + i * bpp, bg, static_cast<std::size_t>(bpp));
+    }
+}
+
+template <int Bpp, ShearMode Mode>
+bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double radians,
+                     const ShearSizes& z, const BYTE* bg) {
+    const int w = src.width;
+    const int h = src.height;
+    const std::size_t firstPixels = static_cast<std::size_t>(z.firstWidth) * h;
+    const std::size_t secondPixels = static_cast<std::size_t>(z.firstWidth) * z.height;
+    std::unique_ptr<BYTE[]> first(new (std::nothrow) BYTE[firstPixels * Bpp]);
+    std::unique_ptr<BYTE[]> second(new (std::nothrow) BYTE[secondPixels * Bpp]);
+    if (!first || !second) {
+        return false;
+    }
+    const bool positive = radians > 0;
+    const std::ptrdiff_t firstRow = static_cast<std::ptrdiff_t>(z.firstWidth) * Bpp;
+
+    FillBuffer(first.get(), firstPixels, Bpp, bg);
+    for (int i = 0; i < h; ++i) {
+        // h - i, not h - 1 - i: keeps the original shear offset.
+        const double o = positive ? i * z.tanHalf : (h - i) * z.tanHalf;
+        ShearLine<Bpp, Mode>(src.Row(i), Bpp, w, first.get() + firstRow * i, Bpp, z.firstWidth,
+                             Split(o), 0, bg);
+    }
+
+    FillBuffer(second.get(), secondPixels, Bpp, bg);
+    for (int j = 0; j < z.firstWidth; ++j) {
+        const double o = positive ? (z.firstWidth - j) * z.sine : j * z.sine;
+        ShearLine<Bpp, Mode>(first.get() + static_cast<std::ptrdiff_t>(j) * Bpp, firstRow, h,
+                             second.get() + static_cast<std::ptrdiff_t>(j) * Bpp, firstRow,
+                             z.height, Split(o), -z.trim, bg);
+    }
+
+    image::FillPixels(dst, bg);
+    for (int i = 0; i < z.height; ++i) {
+        const double o = positive ? i * z.tanHalf : (z.height - i) * z.tanHalf;
+        ShearLine<Bpp, Mode>(second.get() + firstRow * i, Bpp, z.firstWidth, dst.Row(i), Bpp,
+                             z.width, Split(o), -z.shift, bg);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool ComputeShearSizes(int width, int height, double radians, ShearSizes& z) {
+    const double t = std::fabs(std::tan(radians / 2));
+    const double s = std::fabs(std::sin(radians));
+    z.tanHalf = t;
+    z.sine = s;
+    return ToInt(width + height * t + 0.999999, z.firstWidth) &&
+           ToInt((z.firstWidth - width) * s, z.trim) &&
+           ToInt(z.firstWidth * s + height + 0.999999, z.tallHeight) &&
+           ToInt(static_cast<double>(z.tallHeight) - 2.0 * z.trim, z.height) &&
+           ToInt((z.tallHeight - z.trim - height) * t, z.shift) &&
+           ToInt(z.firstWidth + (z.tallHeight - 2 * z.trim) * t + 0.999999 - 2 * z.shift,
+                 z.width) &&
+           z.width >= 1 && z.height >= 1;
+}
+
+bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
+                 const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
+    assert(dst.width == sizes.width && dst.height == sizes.height);
+    assert(src.bytesPerPixel == dst.bytesPerPixel);
+    if (src.bytesPerPixel == 3) {
+        return mode == ShearMode::Blend
+                   ? ShearRotateRows<3, ShearMode::Blend>(src, dst, radians, sizes, background)
+                   : ShearRotateRows<3, ShearMode::Copy>(src, dst, radians, sizes, background);
+    }
+    return mode == ShearMode::Blend
+               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background)
+               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background);
+}
+
+}  // namespace vistrane::xform
