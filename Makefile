@@ -3,39 +3,42 @@
 
 JOBS ?= 2
 PREFIX ?= /usr/local
+BUILD_DIR ?= build
+ASAN_BUILD_DIR ?= build-asan
 DEMO_DIR ?= demo-out
 
-.PHONY: all deps build-release demo test test-plain test-asan bench install clean
+.PHONY: all deps release demo test test-plain test-asan bench install clean
 
-all: build-release
+all: release
 
 deps:
 	./scripts/install-deps.sh
 
-build-release: deps
-	cmake -S . -B build -DCMAKE_BUILD_TYPE=Release
-	cmake --build build -j$(JOBS)
+release: deps
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release
+	cmake --build $(BUILD_DIR) -j$(JOBS)
 
-demo: build-release
-	build/tools/vistrane/vistrane demo $(DEMO_DIR)
+demo: release
+	$(BUILD_DIR)/tools/vistrane/vistrane demo $(DEMO_DIR)
 
+# Plain first, then AddressSanitizer with UndefinedBehaviorSanitizer; either failing fails.
 test: test-plain test-asan
 
 test-plain: deps
-	cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
-	cmake --build build -j$(JOBS)
-	ctest --test-dir build --output-on-failure -j$(JOBS)
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD_DIR) -j$(JOBS)
+	ctest --test-dir $(BUILD_DIR) --output-on-failure -j$(JOBS)
 
 test-asan: deps
-	cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DVISTRANE_SANITIZE=ON
-	cmake --build build-asan -j$(JOBS)
-	ctest --test-dir build-asan --output-on-failure -j$(JOBS)
+	cmake -S . -B $(ASAN_BUILD_DIR) -DCMAKE_BUILD_TYPE=Debug -DVISTRANE_SANITIZE=ON
+	cmake --build $(ASAN_BUILD_DIR) -j$(JOBS)
+	ctest --test-dir $(ASAN_BUILD_DIR) --output-on-failure -j$(JOBS)
 
-bench: build-release
-	build/bench/vistrane_bench
+bench: release
+	$(BUILD_DIR)/bench/vistrane_bench
 
-install: build-release
-	cmake --install build --prefix $(PREFIX)
+install: release
+	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
 
 clean:
-	rm -rf build build-asan $(DEMO_DIR)
+	rm -rf $(BUILD_DIR) $(ASAN_BUILD_DIR) $(DEMO_DIR)

@@ -286,9 +286,9 @@ ImageFileResult LoadBmp(const std::string& path, C_Image& image) {
 }
 
 ImageFileResult LoadBmpMemory(const BYTE* data, std::size_t size, C_Image& image) {
-    if (data == nullptr || size > UINT32_MAX) {
+    if (size > UINT32_MAX) {
         image.SelfDestruct();
-        return io::Failure(data == nullptr ? "no BMP data" : "BMP data larger than 4 GiB");
+        return io::Failure("BMP data larger than 4 GiB");
     }
     // A memory file over the caller's bytes with no growth only ever reads them.
     CMemFile file(const_cast<BYTE*>(data), static_cast<UINT>(size));

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -69,8 +70,9 @@ struct BmpFile {
         StoreLE(bytes, 26, 1, 2);
         StoreLE(bytes, 28, bits, 2);
         StoreLE(bytes, 46, colorsUsed, 4);
-        std::memcpy(bytes.data() + 14 + headerSize, table.data(), 4 * table.size());
-        std::memcpy(bytes.data() + offset, rows.data(), rows.size());
+        std::copy(table.begin(), table.end(),
+                  reinterpret_cast<RGBQUAD*>(bytes.data() + 14 + headerSize));
+        std::copy(rows.begin(), rows.end(), bytes.begin() + offset);
         return bytes;
     }
 };
@@ -232,7 +234,9 @@ struct Corruption {
     const char* expected;  // the whole message, or its start when it ends in "..."
 };
 
-void PrintTo(const Corruption& corruption, std::ostream* out) { *out << corruption.name; }
+void PrintTo(const Corruption& corruption, std::ostream* out) {
+    *out << corruption.name;
+}
 
 // A 3 x 3 24-bit file: 54 bytes of header, then 3 rows of 12 bytes.
 std::vector<BYTE> SmallTrueColorFile() {
@@ -313,6 +317,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 // Every prefix of a valid file must fail cleanly, in both the archive form and the packed form.
 TEST(BmpTruncation, EveryPrefixFails) {
+    C_Image none;
+    EXPECT_EQ(LoadBmpMemory(nullptr, 0, none).error, "not a BMP file");
     C_Image palette;
     MakePaletteImage(palette, 5, 3, 7, 11);
     std::vector<BYTE> archiveForm;

@@ -175,7 +175,7 @@ TEST_P(PngRoundTrip, GreyMaskIsWrittenAsGreyAndComesBackAMask) {
 
 INSTANTIATE_TEST_SUITE_P(OddAndEvenWidths, PngRoundTrip, ::testing::Values(1L, 2L, 3L, 5L, 33L));
 
-TEST(PngSave, ThroughAFileAndIntoAMissingDirectory) {
+TEST(PngFile, RoundTripThroughAFileAndMissingPaths) {
     C_Image image;
     ASSERT_TRUE(image.Create(7, 3, 1, nullptr, 0));
     test::FillRandomPixels(image, 8);
@@ -188,6 +188,8 @@ TEST(PngSave, ThroughAFileAndIntoAMissingDirectory) {
     EXPECT_TRUE(SamePixels(image, loaded));
     EXPECT_EQ(SavePng("/nonexistent-dir/x.png", image).error,
               "cannot create '/nonexistent-dir/x.png': No such file or directory");
+    EXPECT_EQ(LoadPng("/nonexistent-dir/in.png", loaded).error,
+              "cannot open '/nonexistent-dir/in.png': No such file or directory");
 }
 
 // Index 9 in a 3-colour image still needs a colour in the file: entries up to 9 are written
@@ -220,16 +222,11 @@ TEST(PngLoad, RgbaIsFlattenedOntoWhite) {
     // green (12800 + 32512) / 255 = 177, blue 32512 / 255 = 127. Alpha 0 is white, 255 is c.
     const BYTE expected[] = {127, 177, 227, 255, 255, 255, 3, 2, 1};
     EXPECT_EQ(std::memcmp(loaded.PixelPtr(0, 0), expected, sizeof expected), 0);
-}
 
-TEST(PngLoad, OpaqueAlphaIsNotReportedAsFlattened) {
-    PngFile file{.width = 1, .height = 1, .colorType = PNG_COLOR_TYPE_RGBA};
-    file.rows = {{9, 8, 7, 255}};
-    C_Image loaded;
-    const ImageFileResult result = Decode(Encode(file), loaded);
-    ASSERT_TRUE(result.ok) << result.error;
-    EXPECT_FALSE(result.alphaFlattened);
-    EXPECT_EQ(loaded.PixelPtr(0, 0)[0], 7);
+    file.rows = {{200, 100, 0, 255, 10, 20, 30, 255, 1, 2, 3, 255}};
+    const ImageFileResult opaque = Decode(Encode(file), loaded);
+    ASSERT_TRUE(opaque.ok) << opaque.error;
+    EXPECT_FALSE(opaque.alphaFlattened);
 }
 
 TEST(PngLoad, GreyWithAlphaBecomesTrueColour) {
@@ -363,12 +360,6 @@ TEST(PngCorruption, DamagedCompressedData) {
         SCOPED_TRACE("byte " + std::to_string(offset));
         ExpectRefused(bytes, "corrupt PNG: ");
     }
-}
-
-TEST(PngLoad, MissingFileNamesThePathAndTheReason) {
-    C_Image image;
-    EXPECT_EQ(LoadPng("/nonexistent-dir/in.png", image).error,
-              "cannot open '/nonexistent-dir/in.png': No such file or directory");
 }
 
 }  // namespace
