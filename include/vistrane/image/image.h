@@ -23,6 +23,7 @@
 
 #include <vistrane/companion/helper.h>
 #include <vistrane/export.h>
+#include <vistrane/mask/mask_features.h>
 #include <vistrane/platform/archive.h>
 #include <vistrane/platform/gdi.h>
 #include <vistrane/platform/geometry.h>
@@ -38,7 +39,7 @@ enum PAINT_COLORS {
 };
 
 class VISTRANE_API C_Image : public CObject {
-public:
+  public:
     C_Image();
     ~C_Image() override;
     C_Image(const C_Image&) = delete;
@@ -197,6 +198,89 @@ public:
     void FillWithColorRef(unsigned long c);
     void FillWithPaintColor(PAINT_COLORS c);
 
+    // ---- Blits between images --------------------------------------------------------------
+
+    // Device blits: both bitmaps are selected into memory devices and the device copies with
+    // the raster operation `rop`. An 8-bit destination's palette is selected into both devices,
+    // so indices between palette images are copied unchanged. 0 when a device, bitmap or
+    // palette cannot be had, when either image is empty, or when the device blit fails.
+    int BitBlt(long x, long y, long width, long height, C_Image* source, long sourceX, long sourceY,
+               DWORD rop);
+    // Stretch mode 3 (COLORONCOLOR): the rows and columns a reduction eliminates are deleted.
+    int StretchBlt(long x, long y, long width, long height, C_Image* source, long sourceX,
+                   long sourceY, long sourceWidth, long sourceHeight, DWORD rop);
+    // stretching 0: BitBlt (source extents unused); 1: StretchBlt.
+    int CommonBlt(long x, long y, long width, long height, C_Image* source, long sourceX,
+                  long sourceY, long sourceWidth, long sourceHeight, DWORD rop, int stretching);
+    // The blits for masks: no palette selection. StretchMask reduces with stretch mode 1
+    // (BLACKONWHITE, eliminated pixels ANDed); a source extent of -1 means the source's own.
+    int BltMask(long x, long y, long width, long height, C_Image* source, long sourceX,
+                long sourceY, DWORD rop);
+    int StretchMask(long x, long y, long width, long height, C_Image* source, long sourceX,
+                    long sourceY, long sourceWidth, long sourceHeight, DWORD rop);
+    // Copies the source from (sourceX, sourceY) to its right and bottom edges onto (x, y),
+    // clipped to both images and to width x height. An 8-bit source into a 24-bit image goes
+    // through the source's colour table; a 24-bit source into an 8-bit image copies nothing.
+    // With `transparent` set, source pixels equal to the source's transparent colour (its
+    // transparent index for an 8-bit source, GetTranspColorRef for a 24-bit one) leave the
+    // destination as it is.
+    void DibBlt(long x, long y, long width, long height, C_Image* source, long sourceX,
+                long sourceY, int transparent);
+
+    // ---- Selection masks ----------------------------------------------------------------------
+    // A mask is an 8-bit image with the grey colour table; each byte is the selection's opacity
+    // (0 not selected, 255 fully). The whole-buffer operations below walk NBytesImage() bytes,
+    // padding included, and trust their caller: this image has a bitmap and `other` a buffer at
+    // least as large. They are bitwise: MaskAnd of 200 and 100 is 64.
+
+    int IsSelectionMask() const { return IsMask(); }
+    void MaskAnd(C_Image* other);
+    void MaskAndNot(C_Image* other);
+    void MaskOr(C_Image* other);
+    void MaskOrNot(C_Image* other);
+    void MaskXor(C_Image* other);
+    void MaskInvert();
+    // Copies other's whole buffer over this one.
+    void MaskCopy(C_Image* other);
+    // Clears the first k bytes of this buffer, k the number of non-zero bytes of other; kept
+    // exactly so, whatever the selection's shape.
+    void MaskAndNotLogical(C_Image* other);
+    void MaskReplace(unsigned char from, unsigned char to);
+    // from becomes to, every other byte `other`.
+    void MaskReplace(unsigned char from, unsigned char to, unsigned char other);
+    void MaskZeroIfDifferent(unsigned char keep);
+
+    // Over the width x height pixels only. 0 without a bitmap or when IsMask() is 0.
+    // byte <= t becomes 0, else 255; returns the count of 255s.
+    long ThresholdMask(unsigned char t);
+    // byte < t becomes 0; the rest become 255 when `set` (else stay); returns how many passed.
+    long ThresholdMaskGreaterOrEqual(unsigned char t, int set);
+
+    // Fill a rectangle (right and bottom exclusive) or the ellipse in it with `value`, through
+    // a drawing device. 1 on success (MaskOval: the device's ellipse result), 0 when a device
+    // or the bitmap cannot be had.
+    int MaskRect(CRect r, unsigned char value);
+    int MaskOval(CRect r, unsigned char value);
+
+    // The first byte equal to value in memory order (bottom row first); 1 when found, else 0
+    // with pt untouched. 0 for an empty or true-colour image.
+    int FindSelPoint(unsigned char value, CPoint* pt);
+    // The bounds of every non-zero byte (value is not consulted), right and bottom exclusive;
+    // 0 with (0, 0, 1, 1) when nothing is selected, 0 with rect untouched for an empty or
+    // true-colour image.
+    int FindMinMaxSelPoints(unsigned char value, CRect* rect);
+
+    // Statistics: the dimensions always; with nothing selected only m_NSelected (0) besides.
+    void MaskExtractFeatures(S_MaskFeatures* f);
+    // Stretches the selected bytes linearly onto minOpacity..maxOpacity; returns the number of
+    // non-zero bytes afterwards, 0 when this is not a mask.
+    long MaskScaleOpacity(int maxOpacity, int minOpacity);
+    // absolute: every selected byte becomes value's low byte; else value is a percentage,
+    // rounded half up and capped at 255. Nothing when this is not a mask.
+    void ChangeMaskOpacity(int value, int absolute);
+    void ChangeGlobalOpacity(unsigned char opacity) { m_GlobalOpacity = opacity; }
+    unsigned char GetGlobalOpacity() const { return m_GlobalOpacity; }
+
     // ---- Interchange: bitmap files in archives, memory blocks and packed-bitmap handles -----
 
     // Stores or loads by the archive's direction; a failure raises CArchiveException with
@@ -228,7 +312,7 @@ public:
     // With infoHeader40 set, the layout this library writes (40-byte header, 4-byte colours).
     BITMAPFILEHEADER* MakeOwnBitmapFileHeader(BITMAPFILEHEADER* header, int infoHeader40);
 
-private:
+  private:
     static CObject* CreateObject();
     int LoadBitmapFileBlock(const BYTE* block, unsigned long blockBytes, bool blockBytesKnown);
 
@@ -244,5 +328,6 @@ private:
     unsigned long m_TranspTrueColor = 0;
     C_Helper m_Helper;
     int m_BehavesLikeMask = 0;
+    unsigned char m_GlobalOpacity = 255;
     LONG m_SampleRangeLimit;
 };
