@@ -23,6 +23,9 @@
 
 #include <vistrane/companion/helper.h>
 #include <vistrane/export.h>
+#include <vistrane/image/simple_image.h>
+#include <vistrane/mask/color_match.h>
+#include <vistrane/mask/fill_queue.h>
 #include <vistrane/mask/mask_features.h>
 #include <vistrane/platform/archive.h>
 #include <vistrane/platform/gdi.h>
@@ -280,6 +283,38 @@ class VISTRANE_API C_Image : public CObject {
     void ChangeMaskOpacity(int value, int absolute);
     void ChangeGlobalOpacity(unsigned char opacity) { m_GlobalOpacity = opacity; }
     unsigned char GetGlobalOpacity() const { return m_GlobalOpacity; }
+
+    // ---- Selection by colour -------------------------------------------------------------------
+    // The test of colour similarity (see mask/color_match.h) and the selections built on it.
+    // Fills write a non-zero `value` into the 4-connected candidates (unselected pixels whose
+    // colour matches); diagonal contact never connects.
+
+    // Fills data for the reference colour (blue, green, red bytes).
+    void PrepareColorMatch(S_ColorMatchData* data, unsigned char* reference, COLOR_MATCH_MODE mode,
+                           int tolerance);
+    // 1 when the colour (blue, green, red) matches.
+    int MatchTrueColor(unsigned char* pixel, S_ColorMatchData* data);
+    // On a mask: clears it and sets to value the region of pixels alike the source's seed pixel
+    // 4-connected to the seed; the seed itself is always set. 0, with the mask unchanged, when
+    // the seed lies outside, the sizes differ, this is not an 8-bit image, the source is empty
+    // or memory is short.
+    int MaskFill(C_Image* source, CPoint seed, COLOR_MATCH_MODE mode, int tolerance,
+                 unsigned char value);
+    // On a mask: grows the selection, at the truncated mean opacity of its edge pixels, into
+    // the unselected pixels 4-connected to it through pixels alike the mean colour of the whole
+    // selection. Refused (0) as MaskFill.
+    int MaskGrowMasked(C_Image* source, COLOR_MATCH_MODE mode, int tolerance);
+    // On the source: every pixel alike `colour` (a COLORREF) sets its mask byte to matchValue;
+    // the others get otherValue when writeOthers, else stay. Nothing when the sizes differ.
+    void MaskAlikePixelsOnMask(C_Image* mask, unsigned long colour, unsigned char matchValue,
+                               unsigned char otherValue, int writeOthers, int tolerance,
+                               COLOR_MATCH_MODE mode);
+    // On a mask: the generational flood for callers that bring their own queue. The first
+    // nSeeds entries hold the seeds; `work` is a (width + 2) x (height + 2) 1-byte buffer whose
+    // frame is zero and whose interior is zero at every unselected pixel; the queue holds
+    // `capacity` (at least width x height) entries. Unchecked, as its callers check.
+    void MaskExpandColorMatching(S_TwoPointers* queue, long nSeeds, long capacity, C_Image* source,
+                                 C_SimpleImage* work, S_ColorMatchData* data, unsigned char value);
 
     // ---- Interchange: bitmap files in archives, memory blocks and packed-bitmap handles -----
 
