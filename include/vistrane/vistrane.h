@@ -25,3 +25,12 @@
 #include <vistrane/platform/section.h>
 #include <vistrane/platform/text.h>
 #include <vistrane/platform/types.h>
+
+#include <vistrane/companion/helper.h>
+
+#include <vistrane/blend/gray_palette.h>
+
+#include <vistrane/image/image.h>
+#include <vistrane/image/simple_image.h>
+
+#include <vistrane/io/image_file.h>

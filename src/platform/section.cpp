@@ -54,7 +54,7 @@ bool MapSection(DWORD bytes, Section* out) {
         close(fd);
         return false;
     }
-    void* view = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    void* view = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, fd, 0);
     if (view == MAP_FAILED) {
         close(fd);
         return false;
