@@ -4,6 +4,9 @@
 #include <vistrane/image/image.h>
 #include <vistrane/platform/dc.h>
 
+#include "image/pixel_view.h"
+#include "mask/mask_antialias.h"
+
 int C_Image::MaskRect(CRect r, unsigned char value) {
     if (!HasImage()) {
         return 0;
@@ -47,4 +50,12 @@ int C_Image::MaskOval(CRect r, unsigned char value) {
     }
     dc.SelectObject(old);
     return result;
+}
+
+int C_Image::MaskAntiAlias() {
+    if (!HasImage() || !IsMask()) {
+        return 0;
+    }
+    GdiFlush();
+    return vistrane::mask::AntiAliasEdges(vistrane::image::ViewOf(*this)) ? 1 : 0;
 }

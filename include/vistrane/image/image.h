@@ -284,6 +284,30 @@ class VISTRANE_API C_Image : public CObject {
     void ChangeGlobalOpacity(unsigned char opacity) { m_GlobalOpacity = opacity; }
     unsigned char GetGlobalOpacity() const { return m_GlobalOpacity; }
 
+    // Softens the mask's hard edges: a pixel whose 3 x 3 neighbourhood is not uniform becomes
+    // the rounded mean of it; inside and outside pixels stay. 0 when this is not a mask or
+    // memory is short (nothing changed).
+    int MaskAntiAlias();
+
+    // ---- Shapes ------------------------------------------------------------------------------
+    // Shapes drawn with the drawing device in one of the paint colours: kind 0 rectangle, 1
+    // rounded rectangle (corner ellipse e x e, e = min(width / 4, height / 4)), 2 ellipse; the
+    // pen of penWidth is centred on the outline, right and bottom are exclusive; unfilled shapes
+    // leave their inside alone. The soft-edge flag is accepted and the hard shape drawn; the
+    // soft fringe needs painting through a mask, which comes with the blend subsystem.
+
+    void PaintEllipseOrRect(int kind, CRect r, PAINT_COLORS color, int penWidth, int filled,
+                            int softEdge);
+    void PaintRectangle(CRect r, PAINT_COLORS color, int penWidth, int filled, int softEdge);
+    void PaintRoundRect(CRect r, PAINT_COLORS color, int penWidth, int filled, int softEdge);
+    void PaintEllipse(CRect r, PAINT_COLORS color, int penWidth, int filled, int softEdge);
+    // Direct fills without the device. Width or height -1: the whole image. x and y are clamped
+    // into the image first, so a rectangle partly left of or above it shifts in rather than
+    // being clipped: (-5, 0, 10, 10) fills columns 0..9.
+    void PaintRectNoGDI(PAINT_COLORS color, long x, long y, long width, long height);
+    void PaintRectNoGDIPal(unsigned char index, long x, long y, long width, long height);
+    void PaintRectNoGDITrue(unsigned long color, long x, long y, long width, long height);
+
     // ---- Selection by colour -------------------------------------------------------------------
     // The test of colour similarity (see mask/color_match.h) and the selections built on it.
     // Fills write a non-zero `value` into the 4-connected candidates (unselected pixels whose
