@@ -15,33 +15,37 @@
 #include <vistrane/export.h>
 #include <vistrane/version.h>
 
+#include <vistrane/platform/types.h>
+#include <vistrane/platform/geometry.h>
+#include <vistrane/platform/object.h>
+#include <vistrane/platform/text.h>
+#include <vistrane/platform/file.h>
+#include <vistrane/platform/archive.h>
+#include <vistrane/platform/memory.h>
+#include <vistrane/platform/section.h>
+#include <vistrane/platform/gdi.h>
+#include <vistrane/platform/dc.h>
+#include <vistrane/platform/font.h>
+#include <vistrane/platform/keyboard.h>
+
+#include <vistrane/companion/helper.h>
 #include <vistrane/companion/2dvector.h>
 #include <vistrane/companion/geom.h>
 #include <vistrane/companion/line.h>
-#include <vistrane/path/contour_bug.h>
-#include <vistrane/path/path_point.h>
-#include <vistrane/path/path_svg.h>
-#include <vistrane/path/point_path.h>
-#include <vistrane/path/sub_path.h>
-
-#include <vistrane/platform/archive.h>
-#include <vistrane/platform/dc.h>
-#include <vistrane/platform/file.h>
-#include <vistrane/platform/font.h>
-#include <vistrane/platform/gdi.h>
-#include <vistrane/platform/geometry.h>
-#include <vistrane/platform/keyboard.h>
-#include <vistrane/platform/memory.h>
-#include <vistrane/platform/object.h>
-#include <vistrane/platform/section.h>
-#include <vistrane/platform/text.h>
-#include <vistrane/platform/types.h>
-
-#include <vistrane/companion/helper.h>
 
 #include <vistrane/blend/gray_palette.h>
 
 #include <vistrane/image/image.h>
 #include <vistrane/image/simple_image.h>
+
+#include <vistrane/mask/color_match.h>
+#include <vistrane/mask/fill_queue.h>
+#include <vistrane/mask/mask_features.h>
+
+#include <vistrane/path/path_point.h>
+#include <vistrane/path/sub_path.h>
+#include <vistrane/path/point_path.h>
+#include <vistrane/path/contour_bug.h>
+#include <vistrane/path/path_svg.h>
 
 #include <vistrane/io/image_file.h>

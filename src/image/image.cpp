@@ -38,6 +38,7 @@ C_Image& C_Image::operator=(const C_Image& other) {
     m_BackTrueColor = other.m_BackTrueColor;
     m_TranspTrueColor = other.m_TranspTrueColor;
     m_BehavesLikeMask = other.m_BehavesLikeMask;
+    m_GlobalOpacity = other.m_GlobalOpacity;
     m_SampleRangeLimit = other.m_SampleRangeLimit;
     return *this;
 }

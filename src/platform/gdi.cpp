@@ -22,6 +22,14 @@ Palette* AsPalette(HGDIOBJ object) {
     return dynamic_cast<Palette*>(object);
 }
 
+Pen* AsPen(HGDIOBJ object) {
+    return dynamic_cast<Pen*>(object);
+}
+
+Brush* AsBrush(HGDIOBJ object) {
+    return dynamic_cast<Brush*>(object);
+}
+
 }  // namespace vistrane::platform
 
 using vistrane::platform::AsDibSection;
@@ -93,6 +101,9 @@ HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, void** bits, H
 BOOL DeleteObject(HGDIOBJ object) {
     if (object == nullptr) {
         return 0;
+    }
+    if (object->stock) {
+        return 1;
     }
     delete object;
     return 1;

@@ -15,6 +15,8 @@ namespace vistrane::platform {
 
 struct GdiObject {
     virtual ~GdiObject();
+    // Stock objects live for the whole process; DeleteObject leaves them alone.
+    bool stock = false;
 };
 
 // A bitmap over a shared section. The pixels are not owned: they are the section's bytes from
@@ -36,7 +38,21 @@ struct Palette final : GdiObject {
     std::vector<PALETTEENTRY> entries;  // 1..256 entries
 };
 
+// A pen or a brush. A null pen or hollow brush draws nothing.
+struct Pen final : GdiObject {
+    bool null = false;
+    int width = 1;
+    COLORREF color = 0;
+};
+
+struct Brush final : GdiObject {
+    bool hollow = false;
+    COLORREF color = 0;
+};
+
 DibSection* AsDibSection(HGDIOBJ object);
 Palette* AsPalette(HGDIOBJ object);
+Pen* AsPen(HGDIOBJ object);
+Brush* AsBrush(HGDIOBJ object);
 
 }  // namespace vistrane::platform

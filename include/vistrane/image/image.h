@@ -23,6 +23,10 @@
 
 #include <vistrane/companion/helper.h>
 #include <vistrane/export.h>
+#include <vistrane/image/simple_image.h>
+#include <vistrane/mask/color_match.h>
+#include <vistrane/mask/fill_queue.h>
+#include <vistrane/mask/mask_features.h>
 #include <vistrane/platform/archive.h>
 #include <vistrane/platform/gdi.h>
 #include <vistrane/platform/geometry.h>
@@ -38,7 +42,7 @@ enum PAINT_COLORS {
 };
 
 class VISTRANE_API C_Image : public CObject {
-public:
+  public:
     C_Image();
     ~C_Image() override;
     C_Image(const C_Image&) = delete;
@@ -197,6 +201,145 @@ public:
     void FillWithColorRef(unsigned long c);
     void FillWithPaintColor(PAINT_COLORS c);
 
+    // ---- Blits between images --------------------------------------------------------------
+
+    // Device blits: both bitmaps are selected into memory devices and the device copies with
+    // the raster operation `rop`. An 8-bit destination's palette is selected into both devices,
+    // so indices between palette images are copied unchanged. 0 when a device, bitmap or
+    // palette cannot be had, when either image is empty, or when the device blit fails.
+    int BitBlt(long x, long y, long width, long height, C_Image* source, long sourceX, long sourceY,
+               DWORD rop);
+    // Stretch mode 3 (COLORONCOLOR): the rows and columns a reduction eliminates are deleted.
+    int StretchBlt(long x, long y, long width, long height, C_Image* source, long sourceX,
+                   long sourceY, long sourceWidth, long sourceHeight, DWORD rop);
+    // stretching 0: BitBlt (source extents unused); 1: StretchBlt.
+    int CommonBlt(long x, long y, long width, long height, C_Image* source, long sourceX,
+                  long sourceY, long sourceWidth, long sourceHeight, DWORD rop, int stretching);
+    // The blits for masks: no palette selection. StretchMask reduces with stretch mode 1
+    // (BLACKONWHITE, eliminated pixels ANDed); a source extent of -1 means the source's own.
+    int BltMask(long x, long y, long width, long height, C_Image* source, long sourceX,
+                long sourceY, DWORD rop);
+    int StretchMask(long x, long y, long width, long height, C_Image* source, long sourceX,
+                    long sourceY, long sourceWidth, long sourceHeight, DWORD rop);
+    // Copies the source from (sourceX, sourceY) to its right and bottom edges onto (x, y),
+    // clipped to both images and to width x height. An 8-bit source into a 24-bit image goes
+    // through the source's colour table; a 24-bit source into an 8-bit image copies nothing.
+    // With `transparent` set, source pixels equal to the source's transparent colour (its
+    // transparent index for an 8-bit source, GetTranspColorRef for a 24-bit one) leave the
+    // destination as it is.
+    void DibBlt(long x, long y, long width, long height, C_Image* source, long sourceX,
+                long sourceY, int transparent);
+
+    // ---- Selection masks ----------------------------------------------------------------------
+    // A mask is an 8-bit image with the grey colour table; each byte is the selection's opacity
+    // (0 not selected, 255 fully). The whole-buffer operations below walk NBytesImage() bytes,
+    // padding included, and trust their caller: this image has a bitmap and `other` a buffer at
+    // least as large. They are bitwise: MaskAnd of 200 and 100 is 64.
+
+    int IsSelectionMask() const { return IsMask(); }
+    void MaskAnd(C_Image* other);
+    void MaskAndNot(C_Image* other);
+    void MaskOr(C_Image* other);
+    void MaskOrNot(C_Image* other);
+    void MaskXor(C_Image* other);
+    void MaskInvert();
+    // Copies other's whole buffer over this one.
+    void MaskCopy(C_Image* other);
+    // Clears the first k bytes of this buffer, k the number of non-zero bytes of other; kept
+    // exactly so, whatever the selection's shape.
+    void MaskAndNotLogical(C_Image* other);
+    void MaskReplace(unsigned char from, unsigned char to);
+    // from becomes to, every other byte `other`.
+    void MaskReplace(unsigned char from, unsigned char to, unsigned char other);
+    void MaskZeroIfDifferent(unsigned char keep);
+
+    // Over the width x height pixels only. 0 without a bitmap or when IsMask() is 0.
+    // byte <= t becomes 0, else 255; returns the count of 255s.
+    long ThresholdMask(unsigned char t);
+    // byte < t becomes 0; the rest become 255 when `set` (else stay); returns how many passed.
+    long ThresholdMaskGreaterOrEqual(unsigned char t, int set);
+
+    // Fill a rectangle (right and bottom exclusive) or the ellipse in it with `value`, through
+    // a drawing device. 1 on success (MaskOval: the device's ellipse result), 0 when a device
+    // or the bitmap cannot be had.
+    int MaskRect(CRect r, unsigned char value);
+    int MaskOval(CRect r, unsigned char value);
+
+    // The first byte equal to value in memory order (bottom row first); 1 when found, else 0
+    // with pt untouched. 0 for an empty or true-colour image.
+    int FindSelPoint(unsigned char value, CPoint* pt);
+    // The bounds of every non-zero byte (value is not consulted), right and bottom exclusive;
+    // 0 with (0, 0, 1, 1) when nothing is selected, 0 with rect untouched for an empty or
+    // true-colour image.
+    int FindMinMaxSelPoints(unsigned char value, CRect* rect);
+
+    // Statistics: the dimensions always; with nothing selected only m_NSelected (0) besides.
+    void MaskExtractFeatures(S_MaskFeatures* f);
+    // Stretches the selected bytes linearly onto minOpacity..maxOpacity; returns the number of
+    // non-zero bytes afterwards, 0 when this is not a mask.
+    long MaskScaleOpacity(int maxOpacity, int minOpacity);
+    // absolute: every selected byte becomes value's low byte; else value is a percentage,
+    // rounded half up and capped at 255. Nothing when this is not a mask.
+    void ChangeMaskOpacity(int value, int absolute);
+    void ChangeGlobalOpacity(unsigned char opacity) { m_GlobalOpacity = opacity; }
+    unsigned char GetGlobalOpacity() const { return m_GlobalOpacity; }
+
+    // Softens the mask's hard edges: a pixel whose 3 x 3 neighbourhood is not uniform becomes
+    // the rounded mean of it; inside and outside pixels stay. 0 when this is not a mask or
+    // memory is short (nothing changed).
+    int MaskAntiAlias();
+
+    // ---- Shapes ------------------------------------------------------------------------------
+    // Shapes drawn with the drawing device in one of the paint colours: kind 0 rectangle, 1
+    // rounded rectangle (corner ellipse e x e, e = min(width / 4, height / 4)), 2 ellipse; the
+    // pen of penWidth is centred on the outline, right and bottom are exclusive; unfilled shapes
+    // leave their inside alone. The soft-edge flag is accepted and the hard shape drawn; the
+    // soft fringe needs painting through a mask, which comes with the blend subsystem.
+
+    void PaintEllipseOrRect(int kind, CRect r, PAINT_COLORS color, int penWidth, int filled,
+                            int softEdge);
+    void PaintRectangle(CRect r, PAINT_COLORS color, int penWidth, int filled, int softEdge);
+    void PaintRoundRect(CRect r, PAINT_COLORS color, int penWidth, int filled, int softEdge);
+    void PaintEllipse(CRect r, PAINT_COLORS color, int penWidth, int filled, int softEdge);
+    // Direct fills without the device. Width or height -1: the whole image. x and y are clamped
+    // into the image first, so a rectangle partly left of or above it shifts in rather than
+    // being clipped: (-5, 0, 10, 10) fills columns 0..9.
+    void PaintRectNoGDI(PAINT_COLORS color, long x, long y, long width, long height);
+    void PaintRectNoGDIPal(unsigned char index, long x, long y, long width, long height);
+    void PaintRectNoGDITrue(unsigned long color, long x, long y, long width, long height);
+
+    // ---- Selection by colour -------------------------------------------------------------------
+    // The test of colour similarity (see mask/color_match.h) and the selections built on it.
+    // Fills write a non-zero `value` into the 4-connected candidates (unselected pixels whose
+    // colour matches); diagonal contact never connects.
+
+    // Fills data for the reference colour (blue, green, red bytes).
+    void PrepareColorMatch(S_ColorMatchData* data, unsigned char* reference, COLOR_MATCH_MODE mode,
+                           int tolerance);
+    // 1 when the colour (blue, green, red) matches.
+    int MatchTrueColor(unsigned char* pixel, S_ColorMatchData* data);
+    // On a mask: clears it and sets to value the region of pixels alike the source's seed pixel
+    // 4-connected to the seed; the seed itself is always set. 0, with the mask unchanged, when
+    // the seed lies outside, the sizes differ, this is not an 8-bit image, the source is empty
+    // or memory is short.
+    int MaskFill(C_Image* source, CPoint seed, COLOR_MATCH_MODE mode, int tolerance,
+                 unsigned char value);
+    // On a mask: grows the selection, at the truncated mean opacity of its edge pixels, into
+    // the unselected pixels 4-connected to it through pixels alike the mean colour of the whole
+    // selection. Refused (0) as MaskFill.
+    int MaskGrowMasked(C_Image* source, COLOR_MATCH_MODE mode, int tolerance);
+    // On the source: every pixel alike `colour` (a COLORREF) sets its mask byte to matchValue;
+    // the others get otherValue when writeOthers, else stay. Nothing when the sizes differ.
+    void MaskAlikePixelsOnMask(C_Image* mask, unsigned long colour, unsigned char matchValue,
+                               unsigned char otherValue, int writeOthers, int tolerance,
+                               COLOR_MATCH_MODE mode);
+    // On a mask: the generational flood for callers that bring their own queue. The first
+    // nSeeds entries hold the seeds; `work` is a (width + 2) x (height + 2) 1-byte buffer whose
+    // frame is zero and whose interior is zero at every unselected pixel; the queue holds
+    // `capacity` (at least width x height) entries. Unchecked, as its callers check.
+    void MaskExpandColorMatching(S_TwoPointers* queue, long nSeeds, long capacity, C_Image* source,
+                                 C_SimpleImage* work, S_ColorMatchData* data, unsigned char value);
+
     // ---- Interchange: bitmap files in archives, memory blocks and packed-bitmap handles -----
 
     // Stores or loads by the archive's direction; a failure raises CArchiveException with
@@ -293,5 +436,6 @@ private:
     unsigned long m_TranspTrueColor = 0;
     C_Helper m_Helper;
     int m_BehavesLikeMask = 0;
+    unsigned char m_GlobalOpacity = 255;
     LONG m_SampleRangeLimit;
 };
