@@ -18,6 +18,8 @@
 #include <vistrane/companion/2dvector.h>
 #include <vistrane/companion/geom.h>
 #include <vistrane/companion/line.h>
+#include <vistrane/frame/modal_frame.h>
+#include <vistrane/frame/snapshot_history.h>
 #include <vistrane/path/path_point.h>
 #include <vistrane/path/path_svg.h>
 #include <vistrane/path/point_path.h>
