@@ -18,6 +18,9 @@
 #include <vistrane/companion/2dvector.h>
 #include <vistrane/companion/geom.h>
 #include <vistrane/companion/line.h>
+#include <vistrane/frame/free_xform_codes.h>
+#include <vistrane/frame/free_xform_frame.h>
+#include <vistrane/frame/free_xform_numeric.h>
 #include <vistrane/frame/modal_frame.h>
 #include <vistrane/frame/snapshot_history.h>
 #include <vistrane/path/path_point.h>
