@@ -48,4 +48,10 @@
 #include <vistrane/path/contour_bug.h>
 #include <vistrane/path/path_svg.h>
 
+#include <vistrane/frame/modal_frame.h>
+#include <vistrane/frame/snapshot_history.h>
+#include <vistrane/frame/free_xform_codes.h>
+#include <vistrane/frame/free_xform_numeric.h>
+#include <vistrane/frame/free_xform_frame.h>
+
 #include <vistrane/io/image_file.h>

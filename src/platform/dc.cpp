@@ -227,6 +227,15 @@ CPoint CDC::SetViewportOrg(int x, int y) {
     return previous;
 }
 
+CPoint CDC::OffsetViewportOrg(int dx, int dy) {
+    if (m_hDC == nullptr) {
+        return {};
+    }
+    const CPoint previous = m_hDC->viewportOrg;
+    m_hDC->viewportOrg.Offset(dx, dy);
+    return previous;
+}
+
 CPoint CDC::GetViewportOrg() const {
     return m_hDC == nullptr ? CPoint() : m_hDC->viewportOrg;
 }

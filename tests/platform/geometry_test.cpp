@@ -41,6 +41,7 @@ TEST(CRect, UnionIgnoresEmptyOperandsAndOffsetMovesAllEdges) {
 
 TEST(KeyState, HighBitReportsWhatTheHostSet) {
     SetKeyState(VK_SHIFT, true);
+    SetKeyState(VK_CONTROL, false);
     EXPECT_LT(GetKeyState(VK_SHIFT), 0);
     EXPECT_EQ(GetKeyState(VK_CONTROL), 0);
     SetKeyState(VK_SHIFT, false);

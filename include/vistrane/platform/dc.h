@@ -165,6 +165,8 @@ class VISTRANE_API CDC {
     CPoint SetViewportOrg(int x, int y);
     CPoint SetViewportOrg(POINT p) { return SetViewportOrg(p.x, p.y); }
     CPoint GetViewportOrg() const;
+    // Moves the origin by (dx, dy); returns the previous origin.
+    CPoint OffsetViewportOrg(int dx, int dy);
 
     // ---- Block transfers -------------------------------------------------------------------
 

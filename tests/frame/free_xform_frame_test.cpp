@@ -1,0 +1,457 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include <vistrane/frame/free_xform_frame.h>
+#include <vistrane/platform/keyboard.h>
+
+#include "support/geometry_print.h"
+
+namespace {
+
+using Corners = std::array<CPoint, 4>;
+
+// The frame most tests drag: 200 x 120, so every handle lies more than 50 pixels from the centre
+// and the centre's own hit zone does not cover them.
+//   TL (100,100)   T (200,100)   TR (300,100)
+//   L  (100,160)   C (200,160)   R  (300,160)
+//   BL (100,220)   B (200,220)   BR (300,220)
+const CRect kRect(100, 100, 300, 220);
+
+Corners CornersOf(const C_FreeXFormFrame& frame) {
+    CPoint pts[10];
+    frame.GetDrawPoints(pts);
+    return {pts[FXF_TopLeft], pts[FXF_TopRight], pts[FXF_BottomRight], pts[FXF_BottomLeft]};
+}
+
+CPoint PointOf(const C_FreeXFormFrame& frame, FXF_PointCodes code) {
+    CPoint pts[10];
+    frame.GetDrawPoints(pts);
+    return pts[code];
+}
+
+void SetKeys(bool shift, bool ctrl, bool alt) {
+    SetKeyState(VK_SHIFT, shift);
+    SetKeyState(VK_CONTROL, ctrl);
+    SetKeyState(VK_MENU, alt);
+}
+
+// The modifier state is process-wide: every test starts and ends with all keys up.
+class FreeXFormFrame : public ::testing::Test {
+  protected:
+    void SetUp() override { SetKeys(false, false, false); }
+    void TearDown() override { SetKeys(false, false, false); }
+
+    // A press, one move and a release; the description of the move.
+    S_FXFHitTestDescription Drag(CPoint from, CPoint to) {
+        S_FXFHitTestDescription d;
+        m_Frame.MouseButtonDown(from, &d);
+        m_Frame.MouseMove(to, &d);
+        m_Frame.MouseButtonUp(to);
+        return d;
+    }
+
+    S_FXFHitTestDescription Hit(CPoint p) {
+        S_FXFHitTestDescription d;
+        m_Frame.HitTestPointer(p, &d);
+        return d;
+    }
+
+    C_FreeXFormFrame m_Frame{kRect};
+};
+
+// Checks that the clone vertex and the mid-points are derived from the corners.
+void ExpectDerivedPointsConsistent(const C_FreeXFormFrame& frame) {
+    CPoint p[10];
+    frame.GetDrawPoints(p);
+    EXPECT_EQ(p[FXF_CloneVertex], p[FXF_TopLeft]);
+    for (int m = 1; m < 8; m += 2) {
+        EXPECT_EQ(p[m], CPoint((p[m - 1].x + p[m + 1].x) / 2, (p[m - 1].y + p[m + 1].y) / 2))
+            << "mid-point " << m;
+    }
+}
+
+}  // namespace
+
+TEST_F(FreeXFormFrame, InitPlacesCornersMidPointsAndCentre) {
+    CPoint p[10];
+    m_Frame.GetDrawPoints(p);
+    const CPoint expected[10] = {{100, 100}, {200, 100}, {300, 100}, {300, 160}, {300, 220},
+                                 {200, 220}, {100, 220}, {100, 160}, {100, 100}, {200, 160}};
+    for (int k = 0; k < 10; ++k) {
+        EXPECT_EQ(p[k], expected[k]) << "point " << k;
+    }
+    EXPECT_EQ(m_Frame.GetCenterPosition(), FXF_Center);
+    EXPECT_EQ(m_Frame.CanUndo(), 0);
+    EXPECT_EQ(m_Frame.CanRedo(), 0);
+}
+
+TEST_F(FreeXFormFrame, HandleHitThresholdIsASquaredDistanceBelow51) {
+    EXPECT_EQ(Hit({307, 100}).m_PointCode, FXF_TopRight) << "7 px right: 49";
+    EXPECT_EQ(Hit({305, 105}).m_PointCode, FXF_TopRight) << "(5, 5) away: 50";
+    const S_FXFHitTestDescription missed = Hit({306, 105});  // 61
+    EXPECT_EQ(missed.m_PointCode, FXF_NoPoint);
+    EXPECT_EQ(missed.m_EditingCode, FXF_EditFrameRotate) << "(306, 105) is outside the frame";
+    EXPECT_EQ(Hit({200, 93}).m_PointCode, FXF_TopMid);
+    EXPECT_EQ(Hit({200, 93}).m_EditingCode, FXF_EditMidPoint);
+    EXPECT_EQ(Hit({205, 95}).m_PointCode, FXF_TopMid);
+    EXPECT_EQ(Hit({206, 95}).m_PointCode, FXF_NoPoint);
+}
+
+TEST_F(FreeXFormFrame, CentreWinsOverACornerAndCornersOverMidPoints) {
+    C_FreeXFormFrame small(CRect(0, 0, 20, 20));
+    S_FXFHitTestDescription d;
+    small.HitTestPointer(CPoint(20, 20), &d);
+    EXPECT_EQ(d.m_EditingCode, FXF_EditCenter)
+        << "the pointer is on corner 4 and 14 px from the centre";
+    EXPECT_EQ(d.m_PointCode, FXF_Center);
+    EXPECT_EQ(d.m_Operation, FXF_OP_CenterMove);
+
+    // A narrow frame with its centre moved away: (5, 0) is as near to corners 0 and 2 as can be
+    // and on mid-point 1. The corners are tried first and the earlier corner keeps a tie.
+    C_FreeXFormFrame narrow(CRect(0, 0, 10, 200));
+    narrow.CenterPoint() = CPoint(500, 500);
+    narrow.HitTestPointer(CPoint(5, 0), &d);
+    EXPECT_EQ(d.m_PointCode, FXF_TopLeft);
+    narrow.HitTestPointer(CPoint(6, 0), &d);
+    EXPECT_EQ(d.m_PointCode, FXF_TopRight);
+}
+
+TEST_F(FreeXFormFrame, CentreHitReachesFiftyPixels) {
+    EXPECT_EQ(Hit({250, 160}).m_EditingCode, FXF_EditCenter);
+    EXPECT_EQ(Hit({230, 200}).m_EditingCode, FXF_EditCenter);
+    EXPECT_EQ(Hit({251, 160}).m_EditingCode, FXF_EditFrameMove);
+    SetKeys(true, false, false);
+    EXPECT_EQ(Hit({200, 160}).m_Operation, FXF_OP_CenterMove45);
+}
+
+TEST_F(FreeXFormFrame, OperationTableFollowsTheModifiers) {
+    struct Row {
+        bool shift, ctrl, alt;
+        FXF_OperationCodes corner, mid;
+    };
+    const Row rows[] = {
+        {false, false, false, FXF_OP_Vertex, FXF_OP_MidPoint},
+        {true, false, false, FXF_OP_VertexAspect, FXF_OP_MidPoint},
+        {false, true, false, FXF_OP_VertexFree, FXF_OP_MidPointFree},
+        {false, false, true, FXF_OP_VertexSymmetric, FXF_OP_MidPointSymmetric},
+        {true, true, false, FXF_OP_VertexSnapEdge, FXF_OP_MidPointAlong},
+        {true, false, true, FXF_OP_VertexAspectSymmetric, FXF_OP_MidPointSymmetric},
+        {false, true, true, FXF_OP_VertexFreeSymmetric, FXF_OP_MidPointSymmetric},
+        {true, true, true, FXF_OP_VertexSnapEdgeSymmetric, FXF_OP_MidPointAlongSymmetric},
+    };
+    for (const Row& row : rows) {
+        SetKeys(row.shift, row.ctrl, row.alt);
+        SCOPED_TRACE(::testing::Message()
+                     << "shift " << row.shift << " ctrl " << row.ctrl << " alt " << row.alt);
+        EXPECT_EQ(Hit({300, 220}).m_Operation, row.corner);
+        EXPECT_EQ(Hit({300, 220}).m_EditingCode, FXF_EditVertex);
+        EXPECT_EQ(Hit({200, 220}).m_Operation, row.mid);
+        EXPECT_EQ(Hit({200, 220}).m_EditingCode, FXF_EditMidPoint);
+    }
+}
+
+TEST_F(FreeXFormFrame, InsideMovesOutsideRotatesAndAltSwapsThem) {
+    const CPoint inside(130, 120);
+    const CPoint outside(50, 50);
+    EXPECT_EQ(Hit(inside).m_Operation, FXF_OP_FrameMove);
+    EXPECT_EQ(Hit(outside).m_Operation, FXF_OP_FrameRotate);
+    EXPECT_EQ(Hit(outside).m_RotateOctant, FXF_RO_UpLeft);
+    SetKeys(false, false, true);
+    EXPECT_EQ(Hit(inside).m_Operation, FXF_OP_FrameRotate);
+    EXPECT_EQ(Hit(inside).m_EditingCode, FXF_EditFrameRotate);
+    EXPECT_EQ(Hit(outside).m_Operation, FXF_OP_FrameMove);
+    SetKeys(true, false, false);
+    EXPECT_EQ(Hit(inside).m_Operation, FXF_OP_FrameMove45);
+    EXPECT_EQ(Hit(outside).m_Operation, FXF_OP_FrameRotate15);
+}
+
+TEST_F(FreeXFormFrame, HandleOrientationNamesTheCursor) {
+    EXPECT_EQ(Hit({100, 100}).m_Orientation, FXF_MO_Diagonal1);
+    EXPECT_EQ(Hit({300, 220}).m_Orientation, FXF_MO_Diagonal1);
+    EXPECT_EQ(Hit({300, 100}).m_Orientation, FXF_MO_Diagonal3);
+    EXPECT_EQ(Hit({200, 100}).m_Orientation, FXF_MO_Vertical);
+    EXPECT_EQ(Hit({300, 160}).m_Orientation, FXF_MO_Horizontal);
+    SetKeys(false, true, false);
+    EXPECT_EQ(Hit({300, 100}).m_Orientation, FXF_MO_None) << "a free corner";
+    EXPECT_EQ(Hit({200, 100}).m_Orientation, FXF_MO_None) << "a free edge";
+    SetKeys(true, true, false);
+    EXPECT_EQ(Hit({200, 100}).m_Orientation, FXF_MO_Horizontal) << "skew runs along the edge";
+}
+
+TEST_F(FreeXFormFrame, CornerDragStretchesAndTheCentreFollows) {
+    Drag({300, 220}, {340, 250});
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {340, 100}, {340, 250}, {100, 250}}}));
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(220, 175));
+    EXPECT_EQ(m_Frame.GetCenterPosition(), FXF_Center);
+    ExpectDerivedPointsConsistent(m_Frame);
+
+    // A sheared frame: dragging corner 0 keeps both of its edges' directions at the far ends.
+    C_FreeXFormFrame sheared(kRect);
+    sheared.MouseButtonDown(CPoint(300, 220), nullptr);
+    SetKeys(false, true, false);
+    sheared.MouseMove(CPoint(340, 220), nullptr);
+    sheared.MouseButtonUp(CPoint(340, 220));
+    SetKeys(false, false, false);
+    sheared.MouseButtonDown(CPoint(100, 100), nullptr);
+    sheared.MouseMove(CPoint(80, 90), nullptr);
+    sheared.MouseButtonUp(CPoint(80, 90));
+    const Corners c = CornersOf(sheared);
+    EXPECT_EQ(c[0], CPoint(80, 90));
+    EXPECT_EQ(c[2], CPoint(340, 220)) << "the opposite corner stays";
+    // Corner 2 slides along the slanted right edge (-40, -120) until the top edge is level.
+    EXPECT_EQ(c[1], CPoint(297, 90));
+    EXPECT_EQ(c[3].x, 80) << "left edge stays vertical";
+}
+
+TEST_F(FreeXFormFrame, CornerModifiersScaleMirrorFreeOrSlide) {
+    struct Case {
+        bool shift, ctrl, alt;
+        CPoint to;
+        Corners expected;
+    };
+    // Aspect: (40, 0) projected on the diagonal (200, 120) is (29.4, 17.6) -> (29, 18).
+    // Snap edge: (40, 5) is nearer the bottom edge than the right one, so it slides along it.
+    const Case cases[] = {
+        {true, false, false, {340, 220}, {{{100, 100}, {329, 100}, {329, 238}, {100, 238}}}},
+        {false, true, false, {340, 250}, {{{100, 100}, {300, 100}, {340, 250}, {100, 220}}}},
+        {false, false, true, {340, 250}, {{{60, 70}, {340, 70}, {340, 250}, {60, 250}}}},
+        {true, true, false, {340, 225}, {{{100, 100}, {300, 100}, {340, 220}, {100, 220}}}},
+        {true, false, true, {340, 220}, {{{71, 82}, {329, 82}, {329, 238}, {71, 238}}}},
+        {false, true, true, {340, 250}, {{{60, 70}, {300, 100}, {340, 250}, {100, 220}}}},
+        {true, true, true, {340, 225}, {{{100, 100}, {300, 100}, {340, 220}, {60, 220}}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message()
+                     << "shift " << c.shift << " ctrl " << c.ctrl << " alt " << c.alt);
+        m_Frame.Init(kRect);
+        SetKeys(c.shift, c.ctrl, c.alt);
+        Drag({300, 220}, c.to);
+        EXPECT_EQ(CornersOf(m_Frame), c.expected);
+        ExpectDerivedPointsConsistent(m_Frame);
+    }
+}
+
+TEST_F(FreeXFormFrame, EdgeSnappingReportsTheSlideDirectionAsTheCursor) {
+    SetKeys(true, true, false);
+    m_Frame.MouseButtonDown(CPoint(300, 220), nullptr);
+    S_FXFHitTestDescription d;
+    m_Frame.MouseMove(CPoint(340, 225), &d);
+    EXPECT_EQ(d.m_Orientation, FXF_MO_Horizontal);
+    m_Frame.MouseMove(CPoint(305, 260), &d);
+    EXPECT_EQ(d.m_Orientation, FXF_MO_Vertical) << "now along the right edge";
+    EXPECT_EQ(PointOf(m_Frame, FXF_BottomRight), CPoint(300, 260));
+    m_Frame.MouseButtonUp(CPoint(305, 260));
+}
+
+TEST_F(FreeXFormFrame, MidPointModifiersMoveSlideOrSkewTheEdges) {
+    struct Case {
+        bool shift, ctrl, alt;
+        Corners expected;
+    };
+    // Bottom mid-point (200, 220) dragged by (15, 30).
+    const Case cases[] = {
+        {false, false, false, {{{100, 100}, {300, 100}, {300, 250}, {100, 250}}}},
+        {true, false, false, {{{100, 100}, {300, 100}, {300, 250}, {100, 250}}}},
+        {false, true, false, {{{100, 100}, {300, 100}, {315, 250}, {115, 250}}}},
+        {false, false, true, {{{100, 70}, {300, 70}, {300, 250}, {100, 250}}}},
+        {false, true, true, {{{100, 70}, {300, 70}, {300, 250}, {100, 250}}}},
+        {true, false, true, {{{100, 70}, {300, 70}, {300, 250}, {100, 250}}}},
+        {true, true, false, {{{100, 100}, {300, 100}, {315, 220}, {115, 220}}}},
+        {true, true, true, {{{85, 100}, {285, 100}, {315, 220}, {115, 220}}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message()
+                     << "shift " << c.shift << " ctrl " << c.ctrl << " alt " << c.alt);
+        m_Frame.Init(kRect);
+        SetKeys(c.shift, c.ctrl, c.alt);
+        Drag({200, 220}, {215, 250});
+        EXPECT_EQ(CornersOf(m_Frame), c.expected);
+        ExpectDerivedPointsConsistent(m_Frame);
+    }
+}
+
+TEST_F(FreeXFormFrame, ModifierPressedMidDragChangesTheOperationNotTheHandle) {
+    S_FXFHitTestDescription d;
+    m_Frame.MouseButtonDown(CPoint(300, 220), &d);
+    m_Frame.MouseMove(CPoint(340, 250), &d);
+    EXPECT_EQ(d.m_Operation, FXF_OP_Vertex);
+    EXPECT_EQ(CornersOf(m_Frame)[1], CPoint(340, 100));
+
+    SetKeys(false, true, false);
+    m_Frame.MouseMove(CPoint(340, 250), &d);
+    EXPECT_EQ(d.m_Operation, FXF_OP_VertexFree);
+    EXPECT_EQ(d.m_PointCode, FXF_BottomRight);
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {340, 250}, {100, 220}}}))
+        << "recomputed from mouse-down, not from the previous move";
+
+    SetKeys(false, false, false);
+    m_Frame.MouseMove(CPoint(340, 250), &d);
+    m_Frame.MouseButtonUp(CPoint(340, 250));
+    EXPECT_EQ(d.m_Operation, FXF_OP_Vertex);
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {340, 100}, {340, 250}, {100, 250}}}));
+
+    // ALT pressed while moving the frame keeps it a move: the handle taken at mouse-down stays.
+    m_Frame.MouseButtonDown(CPoint(150, 130), &d);
+    SetKeys(false, false, true);
+    m_Frame.MouseMove(CPoint(160, 130), &d);
+    EXPECT_EQ(d.m_Operation, FXF_OP_FrameMove);
+    m_Frame.MouseButtonUp(CPoint(160, 130));
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(110, 100));
+}
+
+TEST_F(FreeXFormFrame, MoveFollowsThePointerOrFortyFiveDegreeSteps) {
+    Drag({150, 130}, {180, 150});
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{130, 120}, {330, 120}, {330, 240}, {130, 240}}}));
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(230, 180));
+
+    m_Frame.Init(kRect);
+    SetKeys(true, false, false);
+    Drag({150, 130}, {180, 137});
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(130, 100)) << "nearly horizontal becomes horizontal";
+    m_Frame.Init(kRect);
+    Drag({150, 130}, {180, 156});
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(128, 128)) << "(30, 26) becomes the diagonal (28, 28)";
+    m_Frame.Init(kRect);
+    Drag({150, 130}, {147, 100});
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(100, 70));
+
+    m_Frame.Init(kRect);
+    SetKeys(false, false, true);
+    Drag({50, 50}, {60, 55});
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(110, 105)) << "ALT outside moves";
+}
+
+TEST_F(FreeXFormFrame, RotateTurnsAboutTheCentre) {
+    // A quarter turn clockwise on the screen about (200, 160).
+    Drag({400, 160}, {200, 360});
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{260, 60}, {260, 260}, {140, 260}, {140, 60}}}));
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(200, 160));
+    CRect box;
+    EXPECT_EQ(m_Frame.GetBoundingRect(&box), 1);
+    EXPECT_EQ(box, CRect(140, 60, 120, 200)) << "width and height in right and bottom";
+
+    m_Frame.Init(kRect);
+    S_FXFHitTestDescription d;
+    m_Frame.MouseButtonDown(CPoint(400, 160), &d);
+    m_Frame.MouseMove(CPoint(300, 400), &d);
+    EXPECT_NE(CornersOf(m_Frame)[0], CPoint(100, 100));
+    m_Frame.MouseMove(CPoint(200, 160), &d);
+    EXPECT_EQ(d.m_RotateOctant, FXF_RO_Up) << "on the centre";
+    m_Frame.MouseMove(CPoint(400, 160), &d);
+    m_Frame.MouseButtonUp(CPoint(400, 160));
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {300, 220}, {100, 220}}}))
+        << "ending on the start point leaves the frame unturned";
+}
+
+TEST_F(FreeXFormFrame, RotateWithShiftTurnsInFifteenDegreeSteps) {
+    // (194, 52) from the centre lies on the 15-degree direction (97, 26) itself.
+    Drag({400, 160}, {394, 212});
+    const Corners exact = CornersOf(m_Frame);
+    const double degrees =
+        std::atan2(exact[1].y - exact[0].y, exact[1].x - exact[0].x) * 180.0 / std::numbers::pi;
+    EXPECT_NEAR(degrees, 15.0, 0.5);
+
+    // (200, 35) and (200, 60) from the centre are 9.9 and 16.7 degrees: both snap to 15.
+    SetKeys(true, false, false);
+    for (const CPoint to : {CPoint(400, 195), CPoint(400, 220)}) {
+        m_Frame.Init(kRect);
+        Drag({400, 160}, to);
+        const Corners snapped = CornersOf(m_Frame);
+        for (int k = 0; k < 4; ++k) {
+            EXPECT_NEAR(snapped[k].x, exact[k].x, 1) << "corner " << k << " to " << to.y;
+            EXPECT_NEAR(snapped[k].y, exact[k].y, 1) << "corner " << k << " to " << to.y;
+        }
+    }
+
+    m_Frame.Init(kRect);
+    SetKeys(false, false, false);
+    Drag({400, 160}, {400, 195});
+    EXPECT_GT(std::abs(CornersOf(m_Frame)[0].y - exact[0].y), 5)
+        << "without SHIFT the turn is not snapped";
+}
+
+TEST_F(FreeXFormFrame, CentreIsCaughtAndFollowsWhereItWasDropped) {
+    // Dropped within 50 px of corner 2 (but not of the central position): it sits on corner 2.
+    S_FXFHitTestDescription d = Drag({200, 160}, {290, 105});
+    EXPECT_EQ(d.m_EditingCode, FXF_EditCenter);
+    EXPECT_EQ(d.m_StartPoint, CPoint(200, 160));
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(300, 100));
+    EXPECT_EQ(m_Frame.GetCenterPosition(), FXF_TopRight);
+    Drag({300, 220}, {340, 250});
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(340, 100)) << "follows corner 2";
+
+    // Dropped near the middle it goes back to the central position.
+    m_Frame.Init(kRect);
+    m_Frame.CenterPoint() = CPoint(120, 200);
+    Drag({120, 200}, {230, 180});
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(200, 160));
+
+    // Dropped far from everything it is free and stays put when the frame moves.
+    m_Frame.Init(kRect);
+    Drag({200, 160}, {420, 330});
+    EXPECT_EQ(m_Frame.GetCenterPosition(), FXF_NoPoint);
+    Drag({150, 130}, {180, 150});
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(420, 330));
+
+    // With SHIFT the centre moves in 45-degree steps from where it was.
+    m_Frame.Init(kRect);
+    SetKeys(true, false, false);
+    Drag({210, 165}, {400, 170});
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(400, 160));
+}
+
+TEST_F(FreeXFormFrame, MouseEventsWithoutAPressChangeNothing) {
+    S_FXFHitTestDescription d;
+    m_Frame.MouseMove(CPoint(340, 250), &d);
+    m_Frame.MouseButtonUp(CPoint(340, 250));
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {300, 220}, {100, 220}}}));
+    EXPECT_EQ(m_Frame.CanUndo(), 0);
+}
+
+TEST_F(FreeXFormFrame, HistoryKeepsTheNewest32Steps) {
+    for (int step = 1; step <= 33; ++step) {
+        Drag({150, 130}, {151, 130});
+    }
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(133, 100));
+    int undone = 0;
+    while (m_Frame.CanUndo() != 0) {
+        m_Frame.Undo();
+        ++undone;
+    }
+    EXPECT_EQ(undone, 32);
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(101, 100)) << "the first step is gone";
+    C_ModalFrame& base = m_Frame;
+    base.UndoRedoOp(MODAL_RedoAll);
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(133, 100));
+    EXPECT_EQ(m_Frame.CanRedo(), 0);
+    base.UndoRedoOp(MODAL_Undo);
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(132, 100));
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(232, 160)) << "the centre comes back with the step";
+}
+
+TEST_F(FreeXFormFrame, NewEditAfterUndoClearsRedo) {
+    Drag({150, 130}, {160, 130});
+    Drag({150, 130}, {160, 130});
+    m_Frame.UndoRedoOp(MODAL_Undo);
+    EXPECT_EQ(m_Frame.CanRedo(), 1);
+    Drag({310, 220}, {340, 250});
+    EXPECT_EQ(m_Frame.CanRedo(), 0);
+    m_Frame.UndoRedoOp(MODAL_UndoAll);
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {300, 220}, {100, 220}}}));
+    m_Frame.UndoRedoOp(MODAL_Redo);
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(110, 100));
+}
+
+TEST_F(FreeXFormFrame, CopiesCarryTheWholeState) {
+    Drag({150, 130}, {160, 130});
+    C_FreeXFormFrame copy(m_Frame);
+    copy.Undo();
+    EXPECT_EQ(CornersOf(copy)[0], CPoint(100, 100));
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(110, 100));
+    C_FreeXFormFrame assigned;
+    assigned = m_Frame;
+    EXPECT_EQ(assigned.CanUndo(), 1);
+}
