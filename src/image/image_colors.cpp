@@ -5,6 +5,7 @@
 
 #include <vistrane/blend/gray_palette.h>
 #include <vistrane/image/image.h>
+#include <vistrane/platform/dc.h>
 
 #include "image/pixel_rows.h"
 #include "image/pixel_view.h"
@@ -100,10 +101,34 @@ void C_Image::CopyColorsToBitmap(CBitmap* bitmap) {
         return;
     }
     GdiFlush();
-    bitmap->SetDIBColorTable(0, static_cast<UINT>(std::min(NColors(), 256ul)), RGBQs());
+    // The section keeps its own colour table, which a device sets while the bitmap is selected.
+    CDC dc;
+    if (!dc.CreateCompatibleDC(nullptr)) {
+        return;
+    }
+    CBitmap* oldBitmap = dc.SelectObject(bitmap);
+    if (oldBitmap == nullptr) {
+        return;
+    }
+    SetDIBColorTable(dc.GetSafeHdc(), 0, static_cast<UINT>(std::min(NColors(), 256ul)), RGBQs());
+    dc.SelectObject(oldBitmap);
 }
 
 CPalette* C_Image::GetPalette() { return HasImage() && !IsTrueColor() ? &m_Palette : nullptr; }
+
+CPalette* C_Image::SelectPalette(CDC* dc, int forceBackground) {
+    CPalette* palette = GetPalette();
+    if (dc == nullptr || palette == nullptr) {
+        return nullptr;
+    }
+    return dc->SelectPalette(palette, forceBackground);
+}
+
+void C_Image::RestorePalette(CDC* dc, CPalette* old, int forceBackground) {
+    if (dc != nullptr && old != nullptr) {
+        dc->SelectPalette(old, forceBackground);
+    }
+}
 
 unsigned char C_Image::CheckColorInd(unsigned char i) const { return i < NColors() ? i : 0; }
 

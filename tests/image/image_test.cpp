@@ -4,6 +4,7 @@
 
 #include <vistrane/blend/gray_palette.h>
 #include <vistrane/image/image.h>
+#include <vistrane/platform/dc.h>
 #include <vistrane/platform/section.h>
 
 #include "support/image_support.h"
@@ -266,4 +267,30 @@ TEST(CImageRuntimeClass, CreatesImagesByClassRecord) {
     EXPECT_TRUE(object->IsKindOf(&CObject::classCObject));
     EXPECT_TRUE(object->IsKindOf(&C_Image::classC_Image));
     delete object;
+}
+
+TEST(CImageColors, TheBitmapSectionFollowsTheColourTable) {
+    C_Image image;
+    ASSERT_EQ(image.Create(3, 3, 0, glb_GrayPalette, 4), 1);
+    const RGBQUAD colors[4] = {{9, 8, 7, 0}, {6, 5, 4, 0}, {3, 2, 1, 0}, {0, 0, 255, 0}};
+    image.SetRGBQs(colors, 4, 0);
+    RGBQUAD section[4];
+    ASSERT_EQ(image.GetBitmap()->GetDIBColorTable(0, 4, section), 4u);
+    EXPECT_EQ(std::memcmp(section, colors, sizeof(colors)), 0);
+}
+
+TEST(CImageColors, SelectPaletteHandsBackThePreviousPaletteForRestoring) {
+    C_Image image;
+    ASSERT_EQ(image.Create(3, 3, 0, glb_GrayPalette, 16), 1);
+    CDC dc;
+    ASSERT_EQ(dc.CreateCompatibleDC(nullptr), 1);
+    CPalette* previous = image.SelectPalette(&dc, 1);
+    ASSERT_NE(previous, nullptr);
+    EXPECT_EQ(dc.RealizePalette(), 16u);
+    C_Image::RestorePalette(&dc, previous, 1);
+    EXPECT_EQ(dc.SelectPalette(previous, 1), previous);
+
+    C_Image trueColor;
+    ASSERT_EQ(trueColor.Create(3, 3, 1, nullptr, 0), 1);
+    EXPECT_EQ(trueColor.SelectPalette(&dc, 1), nullptr);
 }

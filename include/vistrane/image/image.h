@@ -34,6 +34,8 @@
 #include <vistrane/platform/object.h>
 #include <vistrane/platform/types.h>
 
+class CDC;
+
 // Which paint colour an operation uses; every value other than 0 and 1 is the transparent one.
 enum PAINT_COLORS {
     PAINT_COLORS_FORE = 0,
@@ -156,6 +158,11 @@ class VISTRANE_API C_Image : public CObject {
     // The logical palette of an 8-bit image; null for a 24-bit one.
     CPalette* GetPalette();
     CBitmap* GetBitmap() { return &m_Bitmap; }
+    // Selects this image's palette into the device and returns the palette selected before;
+    // null, with nothing selected, for a 24-bit image or a missing device.
+    CPalette* SelectPalette(CDC* dc, int forceBackground);
+    // Selects `old` back when it is not null.
+    static void RestorePalette(CDC* dc, CPalette* old, int forceBackground);
 
     // ---- Paint colours ---------------------------------------------------------------------
 
