@@ -15,22 +15,22 @@
 #include <vistrane/export.h>
 #include <vistrane/version.h>
 
-#include <vistrane/platform/types.h>
-#include <vistrane/platform/geometry.h>
-#include <vistrane/platform/object.h>
-#include <vistrane/platform/text.h>
-#include <vistrane/platform/file.h>
 #include <vistrane/platform/archive.h>
-#include <vistrane/platform/memory.h>
-#include <vistrane/platform/section.h>
-#include <vistrane/platform/gdi.h>
 #include <vistrane/platform/dc.h>
+#include <vistrane/platform/file.h>
 #include <vistrane/platform/font.h>
+#include <vistrane/platform/gdi.h>
+#include <vistrane/platform/geometry.h>
 #include <vistrane/platform/keyboard.h>
+#include <vistrane/platform/memory.h>
+#include <vistrane/platform/object.h>
+#include <vistrane/platform/section.h>
+#include <vistrane/platform/text.h>
+#include <vistrane/platform/types.h>
 
-#include <vistrane/companion/helper.h>
 #include <vistrane/companion/2dvector.h>
 #include <vistrane/companion/geom.h>
+#include <vistrane/companion/helper.h>
 #include <vistrane/companion/line.h>
 
 #include <vistrane/blend/gray_palette.h>
@@ -42,16 +42,16 @@
 #include <vistrane/mask/fill_queue.h>
 #include <vistrane/mask/mask_features.h>
 
-#include <vistrane/path/path_point.h>
-#include <vistrane/path/sub_path.h>
-#include <vistrane/path/point_path.h>
 #include <vistrane/path/contour_bug.h>
+#include <vistrane/path/path_point.h>
 #include <vistrane/path/path_svg.h>
+#include <vistrane/path/point_path.h>
+#include <vistrane/path/sub_path.h>
 
+#include <vistrane/frame/free_xform_codes.h>
+#include <vistrane/frame/free_xform_frame.h>
+#include <vistrane/frame/free_xform_numeric.h>
 #include <vistrane/frame/modal_frame.h>
 #include <vistrane/frame/snapshot_history.h>
-#include <vistrane/frame/free_xform_codes.h>
-#include <vistrane/frame/free_xform_numeric.h>
-#include <vistrane/frame/free_xform_frame.h>
 
 #include <vistrane/io/image_file.h>

@@ -5,7 +5,9 @@
 #include <vistrane/companion/helper.h>
 #include <vistrane/platform/section.h>
 
-void* C_Helper::SafeVirtualAlloc(DWORD bytes) { return std::malloc(bytes == 0 ? 1 : bytes); }
+void* C_Helper::SafeVirtualAlloc(DWORD bytes) {
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
 
 int C_Helper::SafeVirtualFree(void* block) {
     std::free(block);

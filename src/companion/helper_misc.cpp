@@ -24,7 +24,9 @@ std::uint32_t NextRandom() {
 
 }  // namespace
 
-LONG C_Helper::GetSampleRangeLimit() const { return std::numeric_limits<LONG>::max(); }
+LONG C_Helper::GetSampleRangeLimit() const {
+    return std::numeric_limits<LONG>::max();
+}
 
 int C_Helper::Random0Max(int maximum) {
     if (maximum < 1) {

@@ -15,13 +15,19 @@ int C_Image::m_UseV5HeaderType = 0;
 const CRuntimeClass C_Image::classC_Image = {"C_Image", sizeof(C_Image), 1, &C_Image::CreateObject,
                                              &CObject::classCObject};
 
-CObject* C_Image::CreateObject() { return new C_Image; }
+CObject* C_Image::CreateObject() {
+    return new C_Image;
+}
 
-const CRuntimeClass* C_Image::GetRuntimeClass() const { return &classC_Image; }
+const CRuntimeClass* C_Image::GetRuntimeClass() const {
+    return &classC_Image;
+}
 
 C_Image::C_Image() : m_SampleRangeLimit(m_Helper.GetSampleRangeLimit()) {}
 
-C_Image::~C_Image() { SelfDestruct(); }
+C_Image::~C_Image() {
+    SelfDestruct();
+}
 
 C_Image& C_Image::operator=(const C_Image& other) {
     if (this == &other) {
@@ -51,7 +57,9 @@ int C_Image::CheckBitmapHeaderType() {
 
 // The version-5 header is kept as interface only; the library always writes 40-byte headers.
 void C_Image::InitV5Header() {}
-unsigned long C_Image::GetRenderingIntent() { return 0; }
+unsigned long C_Image::GetRenderingIntent() {
+    return 0;
+}
 void C_Image::SetRenderingIntent(unsigned long /*intent*/) {}
 
 int C_Image::Create(long width, long height, int trueColor, const RGBQUAD* colors,
@@ -74,8 +82,8 @@ int C_Image::Create(long width, long height, int trueColor, const RGBQUAD* color
     if (m_pMapBuffer == nullptr) {
         return 0;
     }
-    m_Helper.FillBIH(BitmapInfoHeader(), static_cast<LONG>(width), static_cast<LONG>(height),
-                     bits, static_cast<DWORD>(nColors));
+    m_Helper.FillBIH(BitmapInfoHeader(), static_cast<LONG>(width), static_cast<LONG>(height), bits,
+                     static_cast<DWORD>(nColors));
     if (m_UseV5HeaderType != 0) {
         InitV5Header();
     }
@@ -140,7 +148,9 @@ void C_Image::SelfDestruct() {
     FreePalette();
 }
 
-void C_Image::DestroyBmp() { m_Bitmap.DeleteObject(); }
+void C_Image::DestroyBmp() {
+    m_Bitmap.DeleteObject();
+}
 
 void C_Image::DestroyMap() {
     if (m_hMap != 0) {
@@ -149,7 +159,9 @@ void C_Image::DestroyMap() {
     }
 }
 
-void C_Image::FreePalette() { m_Palette.DeleteObject(); }
+void C_Image::FreePalette() {
+    m_Palette.DeleteObject();
+}
 
 int C_Image::Clone(C_Image* src) {
     if (src == nullptr || src == this) {
@@ -239,13 +251,21 @@ int C_Image::SameDimensionsAs(const C_Image* other) const {
     return Width() == other->Width() && Height() == other->Height() ? 1 : 0;
 }
 
-long C_Image::Width() const { return HasImage() ? BitmapInfoHeader()->biWidth : 0; }
+long C_Image::Width() const {
+    return HasImage() ? BitmapInfoHeader()->biWidth : 0;
+}
 
-long C_Image::Height() const { return HasImage() ? BitmapInfoHeader()->biHeight : 0; }
+long C_Image::Height() const {
+    return HasImage() ? BitmapInfoHeader()->biHeight : 0;
+}
 
-WORD C_Image::BitCount() const { return HasImage() ? BitmapInfoHeader()->biBitCount : 0; }
+WORD C_Image::BitCount() const {
+    return HasImage() ? BitmapInfoHeader()->biBitCount : 0;
+}
 
-unsigned long C_Image::NColors() const { return HasImage() ? BitmapInfoHeader()->biClrUsed : 0; }
+unsigned long C_Image::NColors() const {
+    return HasImage() ? BitmapInfoHeader()->biClrUsed : 0;
+}
 
 long C_Image::NBytesScan() const {
     return HasImage() ? m_Helper.CalcNBytesScan(BitmapInfoHeader()->biWidth,
@@ -258,8 +278,7 @@ unsigned long C_Image::NBytesImage() const {
 }
 
 long C_Image::PixelOffset(long x, long y) const {
-    return x * (IsTrueColor() ? 3 : 1) - NBytesScan() * (y + 1) +
-           static_cast<long>(NBytesImage());
+    return x * (IsTrueColor() ? 3 : 1) - NBytesScan() * (y + 1) + static_cast<long>(NBytesImage());
 }
 
 CPoint C_Image::PixelCoords(long offset) const {

@@ -23,8 +23,8 @@ BITMAPFILEHEADER* C_Image::MakeBitmapFileHeader(BITMAPFILEHEADER* header, unsign
 
 BITMAPFILEHEADER* C_Image::MakeOwnBitmapFileHeader(BITMAPFILEHEADER* header, int infoHeader40) {
     // 14 + 40-byte info header + 4-byte colours, or 14 + 12-byte core header + 3-byte colours.
-    const unsigned long offset = infoHeader40 != 0 ? 4 * NColors() + kPixelOffsetWithoutColors
-                                                   : 3 * NColors() + 26;
+    const unsigned long offset =
+        infoHeader40 != 0 ? 4 * NColors() + kPixelOffsetWithoutColors : 3 * NColors() + 26;
     return MakeBitmapFileHeader(header, offset, NBytesImage() + offset);
 }
 
@@ -85,8 +85,8 @@ int C_Image::VirtualSerializeSave(BYTE** block) {
     GdiFlush();
     const unsigned long colorBytes = 4 * NColors();
     const unsigned long offset = colorBytes + kPixelOffsetWithoutColors;
-    auto* bytes = static_cast<BYTE*>(
-        m_Helper.SafeVirtualAlloc(static_cast<DWORD>(NBytesImage() + offset)));
+    auto* bytes =
+        static_cast<BYTE*>(m_Helper.SafeVirtualAlloc(static_cast<DWORD>(NBytesImage() + offset)));
     if (bytes == nullptr) {
         return 0;
     }
@@ -100,7 +100,9 @@ int C_Image::VirtualSerializeSave(BYTE** block) {
     return 1;
 }
 
-int C_Image::VirtualSerializeLoad(const BYTE* block) { return LoadBitmapFileBlock(block, 0, false); }
+int C_Image::VirtualSerializeLoad(const BYTE* block) {
+    return LoadBitmapFileBlock(block, 0, false);
+}
 
 int C_Image::VirtualSerializeLoad(const BYTE* block, unsigned long blockBytes) {
     return LoadBitmapFileBlock(block, blockBytes, true);

@@ -94,7 +94,9 @@ int C_Image::CopyPalette(CPalette* dst) {
     return m_Helper.CreatePalette(dst, RGBQs(), static_cast<DWORD>(NColors()));
 }
 
-void C_Image::UpdateBmpPalette() { CopyColorsToBitmap(GetBitmap()); }
+void C_Image::UpdateBmpPalette() {
+    CopyColorsToBitmap(GetBitmap());
+}
 
 void C_Image::CopyColorsToBitmap(CBitmap* bitmap) {
     if (!HasImage() || IsTrueColor() || bitmap == nullptr) {
@@ -114,7 +116,9 @@ void C_Image::CopyColorsToBitmap(CBitmap* bitmap) {
     dc.SelectObject(oldBitmap);
 }
 
-CPalette* C_Image::GetPalette() { return HasImage() && !IsTrueColor() ? &m_Palette : nullptr; }
+CPalette* C_Image::GetPalette() {
+    return HasImage() && !IsTrueColor() ? &m_Palette : nullptr;
+}
 
 CPalette* C_Image::SelectPalette(CDC* dc, int forceBackground) {
     CPalette* palette = GetPalette();
@@ -130,19 +134,33 @@ void C_Image::RestorePalette(CDC* dc, CPalette* old, int forceBackground) {
     }
 }
 
-unsigned char C_Image::CheckColorInd(unsigned char i) const { return i < NColors() ? i : 0; }
+unsigned char C_Image::CheckColorInd(unsigned char i) const {
+    return i < NColors() ? i : 0;
+}
 
-unsigned char C_Image::SetForePalInd(unsigned char i) { return m_ForePalInd = CheckColorInd(i); }
+unsigned char C_Image::SetForePalInd(unsigned char i) {
+    return m_ForePalInd = CheckColorInd(i);
+}
 
-unsigned char C_Image::SetBackPalInd(unsigned char i) { return m_BackPalInd = CheckColorInd(i); }
+unsigned char C_Image::SetBackPalInd(unsigned char i) {
+    return m_BackPalInd = CheckColorInd(i);
+}
 
-unsigned char C_Image::SetTransPalInd(unsigned char i) { return m_TransPalInd = CheckColorInd(i); }
+unsigned char C_Image::SetTransPalInd(unsigned char i) {
+    return m_TransPalInd = CheckColorInd(i);
+}
 
-unsigned char C_Image::GetForePalInd() { return SetForePalInd(m_ForePalInd); }
+unsigned char C_Image::GetForePalInd() {
+    return SetForePalInd(m_ForePalInd);
+}
 
-unsigned char C_Image::GetBackPalInd() { return SetBackPalInd(m_BackPalInd); }
+unsigned char C_Image::GetBackPalInd() {
+    return SetBackPalInd(m_BackPalInd);
+}
 
-unsigned char C_Image::GetTransPalInd() { return SetTransPalInd(m_TransPalInd); }
+unsigned char C_Image::GetTransPalInd() {
+    return SetTransPalInd(m_TransPalInd);
+}
 
 void C_Image::CheckColorInds() {
     GetForePalInd();

@@ -40,7 +40,7 @@ int TableEntriesForDepth(WORD bits) {
 
 // Unlocks on every way out of a reader or writer.
 class LockedHandle {
-public:
+  public:
     explicit LockedHandle(HGLOBAL handle)
         : m_Handle(handle), m_Bytes(static_cast<BYTE*>(GlobalLock(handle))) {}
     ~LockedHandle() {
@@ -52,7 +52,7 @@ public:
     LockedHandle& operator=(const LockedHandle&) = delete;
     BYTE* Bytes() const { return m_Bytes; }
 
-private:
+  private:
     HGLOBAL m_Handle;
     BYTE* m_Bytes;
 };
@@ -77,8 +77,8 @@ HGLOBAL C_Image::MakehDib(CRect* rect) {
     const WORD bits = HandleDepthFor(*this);
     const int entries = TableEntriesForDepth(bits);
     const long rowBytes = *vistrane::image::PaddedRowBytes(area.Width(), bits);
-    const auto total =
-        vistrane::image::BitmapBytes(area.Width(), area.Height(), bits, kInfoHeaderBytes + 4 * entries);
+    const auto total = vistrane::image::BitmapBytes(area.Width(), area.Height(), bits,
+                                                    kInfoHeaderBytes + 4 * entries);
     if (!total) {
         return nullptr;
     }
@@ -94,7 +94,8 @@ HGLOBAL C_Image::MakehDib(CRect* rect) {
         m_Helper.FillBIH(reinterpret_cast<BITMAPINFOHEADER*>(bytes), area.Width(), area.Height(),
                          bits, static_cast<DWORD>(NColors()));
         std::memcpy(bytes + kInfoHeaderBytes, RGBQs(), 4 * colors);
-        const vistrane::image::PixelView view = vistrane::image::SubView(vistrane::image::ViewOf(*this), area);
+        const vistrane::image::PixelView view =
+            vistrane::image::SubView(vistrane::image::ViewOf(*this), area);
         BYTE* out = bytes + kInfoHeaderBytes + 4 * entries;
         // The handle's first row is the area's bottom row.
         for (int y = view.height - 1; y >= 0; --y, out += rowBytes) {
@@ -129,8 +130,8 @@ int C_Image::CreateFromhDib(HGLOBAL dib) {
         (entries == 0 && header.biBitCount != 24)) {
         return 0;
     }
-    const auto total = vistrane::image::BitmapBytes(header.biWidth, header.biHeight,
-                                                    header.biBitCount, kInfoHeaderBytes + 4 * entries);
+    const auto total = vistrane::image::BitmapBytes(
+        header.biWidth, header.biHeight, header.biBitCount, kInfoHeaderBytes + 4 * entries);
     if (!total || size < *total) {
         return 0;
     }

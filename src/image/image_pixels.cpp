@@ -43,9 +43,13 @@ void C_Image::FillBitmapBytes(unsigned char b) {
     std::memset(BitmapBytes(), b, NBytesImage());
 }
 
-void C_Image::ZeroBitmapBytes() { FillBitmapBytes(0); }
+void C_Image::ZeroBitmapBytes() {
+    FillBitmapBytes(0);
+}
 
-void C_Image::FillWithColorPalette(unsigned char i) { FillBitmapBytes(i); }
+void C_Image::FillWithColorPalette(unsigned char i) {
+    FillBitmapBytes(i);
+}
 
 void C_Image::FillWithColorRef(unsigned long c) {
     if (!HasImage()) {

@@ -34,8 +34,7 @@ std::optional<DWORD> BitmapBytes(long width, long height, int bits, long long ex
 }
 
 std::optional<DWORD> PackedBytes(long width, long height, int pixSize) {
-    if (width < 1 || height < 1 || pixSize < 1 || width > kMaxSizeField ||
-        height > kMaxSizeField) {
+    if (width < 1 || height < 1 || pixSize < 1 || width > kMaxSizeField || height > kMaxSizeField) {
         return std::nullopt;
     }
     const long long row = static_cast<long long>(width) * pixSize;

@@ -13,7 +13,9 @@ using vistrane::image::ViewOf;
 
 C_SimpleImage::C_SimpleImage() = default;
 
-C_SimpleImage::~C_SimpleImage() { SelfDestruct(); }
+C_SimpleImage::~C_SimpleImage() {
+    SelfDestruct();
+}
 
 void C_SimpleImage::SelfDestruct() {
     if (m_pBits != nullptr) {
@@ -96,7 +98,9 @@ void C_SimpleImage::FillWithRGBTRIPLE(const RGBTRIPLE* color) {
     }
 }
 
-void C_SimpleImage::ZeroBitmapBytes() { FillWithByte(0); }
+void C_SimpleImage::ZeroBitmapBytes() {
+    FillWithByte(0);
+}
 
 void C_SimpleImage::TrustFillRectWithByte(CRect r, unsigned char b) {
     assert(m_pBits != nullptr);
@@ -246,8 +250,8 @@ int C_SimpleImage::Copy(C_Image* src, long dstX, long dstY, long srcX, long srcY
     }
     const int width = static_cast<int>(std::min(m_Width - dstX, src->Width() - srcX));
     const int height = static_cast<int>(std::min(m_Height - dstY, src->Height() - srcY));
-    const PixelView from = vistrane::image::SubView(ViewOf(*src), CRect(srcX, srcY, srcX + width,
-                                                                        srcY + height));
+    const PixelView from =
+        vistrane::image::SubView(ViewOf(*src), CRect(srcX, srcY, srcX + width, srcY + height));
     const PixelView to =
         vistrane::image::SubView(ViewOf(*this), CRect(dstX, dstY, dstX + width, dstY + height));
     const bool srcTrue = src->IsTrueColor() != 0;
@@ -277,8 +281,8 @@ int C_SimpleImage::Copy(C_Image* src, long dstX, long dstY, long srcX, long srcY
     return 1;
 }
 
-void C_SimpleImage::TrustCopyMask(C_Image* src, long dstX, long dstY, long srcX, long srcY,
-                                  long w, long h) {
+void C_SimpleImage::TrustCopyMask(C_Image* src, long dstX, long dstY, long srcX, long srcY, long w,
+                                  long h) {
     assert(src != nullptr && src->HasImage() && m_pBits != nullptr);
     if (srcX == -1 || srcY == -1) {
         srcX = 0;

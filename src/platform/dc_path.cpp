@@ -53,7 +53,9 @@ BOOL CDC::BeginPath() {
     return 1;
 }
 
-BOOL CDC::EndPath() { return m_hDC != nullptr && m_hDC->path.End() ? 1 : 0; }
+BOOL CDC::EndPath() {
+    return m_hDC != nullptr && m_hDC->path.End() ? 1 : 0;
+}
 
 BOOL CDC::AbortPath() {
     if (m_hDC == nullptr) {

@@ -9,7 +9,9 @@ namespace {
 // thread, but atomics keep a host that feeds keys from elsewhere well defined.
 std::array<std::atomic<bool>, 256> g_KeyDown{};
 
-bool IsKnownKey(int virtualKey) { return virtualKey >= 0 && virtualKey < 256; }
+bool IsKnownKey(int virtualKey) {
+    return virtualKey >= 0 && virtualKey < 256;
+}
 
 }  // namespace
 

@@ -203,7 +203,8 @@ TEST_P(HandleRoundTrip, KeepsPixelsThroughThePackedDepth) {
     C_Image loaded;
     ASSERT_NE(loaded.CreateFromhDib(handle), 0);
     EXPECT_TRUE(SamePixels(image, loaded));
-    const int tableEntries = expectedBits == 24 ? 0 : (expectedBits == 1 ? 2 : (expectedBits == 4 ? 16 : 256));
+    const int tableEntries =
+        expectedBits == 24 ? 0 : (expectedBits == 1 ? 2 : (expectedBits == 4 ? 16 : 256));
     EXPECT_EQ(loaded.NColors(), static_cast<unsigned long>(tableEntries));
     if (nColors > 0) {
         EXPECT_EQ(std::memcmp(loaded.RGBQs(), image.RGBQs(), 4 * static_cast<size_t>(nColors)), 0);

@@ -116,10 +116,8 @@ TEST(CSimpleImage, BordersAreZeroedOrRepeatedFromTheInterior) {
 
     s.TrustReplicateBorders(1);
     // Row by row, top first: corners from the interior's corners, edges from its edges.
-    const BYTE expected[4][5] = {{11, 11, 12, 13, 13},
-                                 {11, 11, 12, 13, 13},
-                                 {21, 21, 22, 23, 23},
-                                 {21, 21, 22, 23, 23}};
+    const BYTE expected[4][5] = {
+        {11, 11, 12, 13, 13}, {11, 11, 12, 13, 13}, {21, 21, 22, 23, 23}, {21, 21, 22, 23, 23}};
     for (long y = 0; y < 4; ++y) {
         for (long x = 0; x < 5; ++x) {
             EXPECT_EQ(*s.PixelPtr(x, y), expected[y][x]) << x << ", " << y;

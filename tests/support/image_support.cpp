@@ -36,8 +36,8 @@ void FillRandomPixels(C_Image& image, std::uint32_t seed) {
         expected.BitCount() != actual.BitCount()) {
         return ::testing::AssertionFailure()
                << "expected " << expected.Width() << "x" << expected.Height() << "x"
-               << expected.BitCount() << ", got " << actual.Width() << "x" << actual.Height()
-               << "x" << actual.BitCount();
+               << expected.BitCount() << ", got " << actual.Width() << "x" << actual.Height() << "x"
+               << actual.BitCount();
     }
     const image::PixelView e = image::ViewOf(expected);
     const image::PixelView a = image::ViewOf(actual);
@@ -56,8 +56,8 @@ void FillRandomPixels(C_Image& image, std::uint32_t seed) {
 
 ::testing::AssertionResult SameColorTable(const C_Image& expected, const C_Image& actual) {
     if (expected.NColors() != actual.NColors()) {
-        return ::testing::AssertionFailure() << "expected " << expected.NColors()
-                                             << " colours, got " << actual.NColors();
+        return ::testing::AssertionFailure()
+               << "expected " << expected.NColors() << " colours, got " << actual.NColors();
     }
     if (expected.NColors() != 0 &&
         std::memcmp(expected.RGBQs(), actual.RGBQs(), 4 * expected.NColors()) != 0) {

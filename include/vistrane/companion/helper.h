@@ -10,7 +10,7 @@
 #include <vistrane/platform/types.h>
 
 class VISTRANE_API C_Helper {
-public:
+  public:
     // Memory. SafeVirtualAlloc returns a new block of `bytes` bytes (contents undefined) or null;
     // SafeVirtualFree releases it (null is accepted) and returns 1.
     void* SafeVirtualAlloc(DWORD bytes);

@@ -421,7 +421,7 @@ class VISTRANE_API C_Image : public CObject {
     void FlipHorizontal();
     void FlipVertical();
 
-private:
+  private:
     static CObject* CreateObject();
     int LoadBitmapFileBlock(const BYTE* block, unsigned long blockBytes, bool blockBytesKnown);
     int CommonRotate(int right);

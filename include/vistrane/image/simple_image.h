@@ -21,7 +21,7 @@
 class C_Image;
 
 class VISTRANE_API C_SimpleImage {
-public:
+  public:
     C_SimpleImage();
     ~C_SimpleImage();
     C_SimpleImage(const C_SimpleImage&) = default;
@@ -51,7 +51,9 @@ public:
     BYTE* Bits() const { return m_pBits; }
 
     // Unchecked byte offset and address of pixel (x, y).
-    long PixelOffset(long x, long y) const { return NBytesScan() * (m_Height - y - 1) + m_PixSize * x; }
+    long PixelOffset(long x, long y) const {
+        return NBytesScan() * (m_Height - y - 1) + m_PixSize * x;
+    }
     BYTE* PixelPtr(long x, long y) const { return m_pBits + PixelOffset(x, y); }
 
     void FillWithByte(unsigned char b);
@@ -87,7 +89,7 @@ public:
     // srcX or srcY means the origin, -1 for w or h the whole source extent. Unchecked.
     void TrustCopyMask(C_Image* src, long dstX, long dstY, long srcX, long srcY, long w, long h);
 
-private:
+  private:
     LONG m_Width = 0;
     LONG m_Height = 0;
     LONG m_AllocSize = 0;

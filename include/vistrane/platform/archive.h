@@ -9,7 +9,7 @@
 #include <vistrane/platform/file.h>
 
 class VISTRANE_API CArchiveException : public CException {
-public:
+  public:
     enum {
         none = 0,
         genericException = 1,
@@ -29,7 +29,7 @@ public:
 };
 
 class VISTRANE_API CArchive {
-public:
+  public:
     enum Mode : UINT { store = 0, load = 1, bNoFlushOnDelete = 2 };
 
     CArchive(CFile* file, UINT mode, int bufferSize = 4096, void* buffer = nullptr);
@@ -71,7 +71,7 @@ public:
 
     CString m_strFileName;
 
-private:
+  private:
     void FillBuffer();
 
     CFile* m_File;

@@ -14,12 +14,12 @@ using ULONGLONG = std::uint64_t;
 using LONGLONG = std::int64_t;
 
 class VISTRANE_API CException : public CObject {
-public:
+  public:
     ~CException() override;
 };
 
 class VISTRANE_API CFileException : public CException {
-public:
+  public:
     enum {
         none = 0,
         genericException = 1,
@@ -47,7 +47,7 @@ public:
 };
 
 class VISTRANE_API CFile : public CObject {
-public:
+  public:
     enum OpenFlags : UINT {
         modeRead = 0x0000,
         modeWrite = 0x0001,
@@ -88,7 +88,7 @@ public:
     // Deletes a named file or throws CFileException.
     static void Remove(const char* fileName);
 
-protected:
+  protected:
     int m_Fd = -1;
     CString m_FilePath;
 };
@@ -97,7 +97,7 @@ protected:
 // the attached form works over the caller's buffer, which it never frees, and grows only when
 // growBytes is non-zero (a write past a fixed buffer's end throws diskFull).
 class VISTRANE_API CMemFile : public CFile {
-public:
+  public:
     explicit CMemFile(UINT growBytes = 1024);
     CMemFile(BYTE* buffer, UINT bufferSize, UINT growBytes = 0);
     ~CMemFile() override;
@@ -121,7 +121,7 @@ public:
     // The bytes written so far, valid until the next write.
     const BYTE* Data() const { return m_Buffer; }
 
-private:
+  private:
     void GrowTo(std::size_t bytes);
     void FreeOwnedBuffer();
 

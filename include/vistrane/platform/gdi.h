@@ -46,7 +46,7 @@ struct DIBSECTION {
 };
 
 class VISTRANE_API CGdiObject : public CObject {
-public:
+  public:
     CGdiObject() = default;
     ~CGdiObject() override;
     CGdiObject(const CGdiObject&) = delete;
@@ -61,7 +61,7 @@ public:
 };
 
 class VISTRANE_API CBitmap : public CGdiObject {
-public:
+  public:
     // The attached bitmap section's description; 0 when none is attached.
     BOOL GetDIBSection(DIBSECTION* out) const;
     // Copies `count` entries from `start` into the section's colour table; returns the count
@@ -71,7 +71,7 @@ public:
 };
 
 class VISTRANE_API CPalette : public CGdiObject {
-public:
+  public:
     // A palette of palNumEntries entries (1..256); 0 when the record is unusable or a palette
     // is attached already.
     BOOL CreatePalette(const LOGPALETTE* logPalette);

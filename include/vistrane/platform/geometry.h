@@ -9,7 +9,7 @@ class CSize;
 class CRect;
 
 class CPoint : public tagPOINT {
-public:
+  public:
     constexpr CPoint() : tagPOINT{0, 0} {}
     constexpr CPoint(LONG initX, LONG initY) : tagPOINT{initX, initY} {}
     constexpr CPoint(POINT p) : tagPOINT(p) {}  // NOLINT(google-explicit-constructor)
@@ -41,7 +41,7 @@ public:
 };
 
 class CSize : public tagSIZE {
-public:
+  public:
     constexpr CSize() : tagSIZE{0, 0} {}
     constexpr CSize(LONG initCX, LONG initCY) : tagSIZE{initCX, initCY} {}
     constexpr CSize(SIZE s) : tagSIZE(s) {}  // NOLINT(google-explicit-constructor)
@@ -54,7 +54,7 @@ public:
 };
 
 class CRect : public tagRECT {
-public:
+  public:
     constexpr CRect() : tagRECT{0, 0, 0, 0} {}
     constexpr CRect(LONG l, LONG t, LONG r, LONG b) : tagRECT{l, t, r, b} {}
     constexpr CRect(const RECT& r) : tagRECT(r) {}  // NOLINT(google-explicit-constructor)
@@ -171,4 +171,6 @@ constexpr BOOL OffsetRect(RECT* r, LONG dx, LONG dy) {
     r->bottom += dy;
     return 1;
 }
-constexpr BOOL PtInRect(const RECT* r, POINT p) { return CRect(*r).PtInRect(p) ? 1 : 0; }
+constexpr BOOL PtInRect(const RECT* r, POINT p) {
+    return CRect(*r).PtInRect(p) ? 1 : 0;
+}

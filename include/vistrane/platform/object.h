@@ -22,7 +22,7 @@ struct VISTRANE_API CRuntimeClass {
 };
 
 class VISTRANE_API CObject {
-public:
+  public:
     virtual ~CObject();
 
     virtual const CRuntimeClass* GetRuntimeClass() const;
@@ -33,7 +33,7 @@ public:
 
     static const CRuntimeClass classCObject;
 
-protected:
+  protected:
     CObject() = default;
     CObject(const CObject&) = default;
     CObject& operator=(const CObject&) = default;

@@ -8,7 +8,7 @@
 #include <vistrane/platform/types.h>
 
 class VISTRANE_API CString {
-public:
+  public:
     CString() = default;
     CString(const char* text);         // NOLINT(google-explicit-constructor)
     CString(const std::string& text);  // NOLINT(google-explicit-constructor)
@@ -32,8 +32,10 @@ public:
     CString Left(int n) const;
     CString Mid(int first, int n = -1) const;
 
-private:
+  private:
     std::string m_Text;
 };
 
-inline CString operator+(CString a, const CString& b) { return a += b; }
+inline CString operator+(CString a, const CString& b) {
+    return a += b;
+}

@@ -12,18 +12,26 @@ using LONG = std::int32_t;
 using UINT = unsigned int;
 using BOOL = int;
 using SHORT = std::int16_t;
-using COLORREF = DWORD;  // 0x00BBGGRR; 0x01 in the top byte marks a palette index
+using COLORREF = DWORD;        // 0x00BBGGRR; 0x01 in the top byte marks a palette index
 using HANDLE = std::intptr_t;  // a shareable section, see platform/section.h; 0 means none
 
 constexpr COLORREF RGB(BYTE r, BYTE g, BYTE b) {
     return static_cast<COLORREF>(r) | (static_cast<COLORREF>(g) << 8) |
            (static_cast<COLORREF>(b) << 16);
 }
-constexpr BYTE GetRValue(COLORREF c) { return static_cast<BYTE>(c); }
-constexpr BYTE GetGValue(COLORREF c) { return static_cast<BYTE>(c >> 8); }
-constexpr BYTE GetBValue(COLORREF c) { return static_cast<BYTE>(c >> 16); }
+constexpr BYTE GetRValue(COLORREF c) {
+    return static_cast<BYTE>(c);
+}
+constexpr BYTE GetGValue(COLORREF c) {
+    return static_cast<BYTE>(c >> 8);
+}
+constexpr BYTE GetBValue(COLORREF c) {
+    return static_cast<BYTE>(c >> 16);
+}
 // A COLORREF that names colour-table entry i rather than a colour.
-constexpr COLORREF PALETTEINDEX(WORD i) { return 0x01000000u | i; }
+constexpr COLORREF PALETTEINDEX(WORD i) {
+    return 0x01000000u | i;
+}
 
 struct RGBQUAD {
     BYTE rgbBlue;
