@@ -1,0 +1,154 @@
+// The neighbourhood filter: tap list, per-row filtered colours, blend and merge.
+//
+// Cost: one multiply-add per non-zero weight and channel per pixel, one division per sum; the
+// blend and merge run once per row over the whole row. Rows are processed in three passes
+// (filtered colours, effective opacities, blend + merge) so that each pass is a tight loop; the
+// result is the same as the per-pixel order because a pixel's filtered colour depends only on
+// the bordered copy, never on pixels already written.
+
+#include "filter/neighbourhood_filter.h"
+
+#include <vistrane/companion/helper.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+namespace vistrane::filter {
+namespace {
+
+struct Tap {
+    std::ptrdiff_t displacement;  // bytes from the target's place in the buffer
+    int weight;
+};
+
+int BuildTaps(const int* kernel, std::ptrdiff_t stride, int bytesPerPixel,
+              std::array<Tap, 49>& taps) {
+    int n = 0;
+    for (int r = 0; r < 7; ++r) {
+        for (int c = 0; c < 7; ++c) {
+            const int w = kernel[r * 7 + c];
+            if (w != 0) {
+                taps[n++] = Tap{(r - 3) * stride + (c - 3) * bytesPerPixel, w};
+            }
+        }
+    }
+    return n;
+}
+
+BYTE Finish(int sum, const FilterSettings& s) {
+    return static_cast<BYTE>(std::clamp(sum / s.divisor + s.offset, 0, 255));
+}
+
+// Filtered colours of one row into `colours` (3 bytes a pixel for true colour, 1 otherwise).
+void FilteredRow(const BYTE* bufferRow, int width, const Tap* taps, int nTaps,
+                 const FilterSettings& s, C_Helper& helper, BYTE* filterColour, BYTE* colours) {
+    if (s.bytesPerPixel == 1) {
+        for (int x = 0; x < width; ++x) {
+            const BYTE* p = bufferRow + x;
+            int sum = 0;
+            for (int t = 0; t < nTaps; ++t) {
+                sum += taps[t].weight * p[taps[t].displacement];
+            }
+            // Every known type filters the stored byte; unknown types keep the carried colour.
+            if (s.type >= kFilterPerChannel && s.type <= kFilterBrightness) {
+                filterColour[0] = Finish(sum, s);
+            }
+            colours[x] = filterColour[0];
+        }
+        return;
+    }
+    for (int x = 0; x < width; ++x) {
+        const BYTE* p = bufferRow + 3 * x;
+        if (s.type == kFilterPerChannel) {
+            int b = 0, g = 0, r = 0;
+            for (int t = 0; t < nTaps; ++t) {
+                const BYTE* q = p + taps[t].displacement;
+                b += taps[t].weight * q[0];
+                g += taps[t].weight * q[1];
+                r += taps[t].weight * q[2];
+            }
+            filterColour[0] = Finish(b, s);
+            filterColour[1] = Finish(g, s);
+            filterColour[2] = Finish(r, s);
+        } else if (s.type == kFilterGray) {
+            int sum = 0;
+            for (int t = 0; t < nTaps; ++t) {
+                const BYTE* q = p + taps[t].displacement;
+                sum += taps[t].weight * ((q[0] + q[1] + q[2]) / 3);
+            }
+            filterColour[0] = filterColour[1] = filterColour[2] = Finish(sum, s);
+        } else if (s.type == kFilterBrightness) {
+            int sum = 0;
+            for (int t = 0; t < nTaps; ++t) {
+                const BYTE* q = p + taps[t].displacement;
+                sum += taps[t].weight * std::max({q[0], q[1], q[2]});  // HSV value
+            }
+            // Hue and saturation come from the colour the previous pixel left behind.
+            int hue;
+            BYTE saturation, value;
+            helper.HSVFromRGB(filterColour[2], filterColour[1], filterColour[0], &hue, &saturation,
+                              &value);
+            helper.RGBFromHSV(hue, saturation, Finish(sum, s), &filterColour[2], &filterColour[1],
+                              &filterColour[0]);
+        }
+        std::memcpy(colours + 3 * x, filterColour, 3);
+    }
+}
+
+// Copies one pixel into `count` consecutive places.
+void Repeat(BYTE* dst, const BYTE* pixel, int count, int bytesPerPixel) {
+    for (int i = 0; i < count; ++i) {
+        std::memcpy(dst + i * bytesPerPixel, pixel, bytesPerPixel);
+    }
+}
+
+}  // namespace
+
+void RefreshBorderedCopy(Plane buffer, Plane source, int borderX, int borderY, int x, int y,
+                         int width, int height, int bytesPerPixel) {
+    const int bpp = bytesPerPixel;
+    const std::size_t rowBytes = static_cast<std::size_t>(width) * bpp;
+    for (int j = 0; j < height; ++j) {
+        const BYTE* src = source.Row(y + j) + static_cast<std::ptrdiff_t>(x) * bpp;
+        BYTE* dst = buffer.Row(borderY + j);
+        std::memcpy(dst + static_cast<std::ptrdiff_t>(borderX) * bpp, src, rowBytes);
+        Repeat(dst, src, borderX, bpp);
+        Repeat(dst + (static_cast<std::ptrdiff_t>(borderX) + width) * bpp, src + rowBytes - bpp,
+               borderX, bpp);
+    }
+    // The top and bottom bands are copies of the first and last bordered rows, corners included
+    // (their corners are the rectangle's corner pixels).
+    const std::size_t fullRow = (static_cast<std::size_t>(width) + 2 * borderX) * bpp;
+    for (int j = 0; j < borderY; ++j) {
+        std::memcpy(buffer.Row(j), buffer.Row(borderY), fullRow);
+        std::memcpy(buffer.Row(borderY + height + j), buffer.Row(borderY + height - 1), fullRow);
+    }
+}
+
+void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
+                const FilterSettings& settings, const blend::RowBlender& blender,
+                void (*merge)(BYTE*, const BYTE*, const BYTE*, int), blend::BlendContext& context,
+                BYTE* filterColour) {
+    if (width <= 0 || height <= 0) {
+        return;
+    }
+    std::array<Tap, 49> taps;
+    const int nTaps = BuildTaps(settings.kernel, buffer.stride, settings.bytesPerPixel, taps);
+    const std::size_t rowBytes = static_cast<std::size_t>(width) * settings.bytesPerPixel;
+    std::vector<BYTE> colours(rowBytes);
+    std::vector<BYTE> results(rowBytes);
+    std::vector<BYTE> opacity(width);
+    for (int y = 0; y < height; ++y) {
+        BYTE* row = target.Row(y);
+        FilteredRow(buffer.Row(y), width, taps.data(), nTaps, settings, *context.helper,
+                    filterColour, colours.data());
+        blend::EffectiveOpacityRow(opacity.data(), mask.first ? mask.Row(y) : nullptr,
+                                   settings.opacity, width);
+        blender.Run(colours.data(), row, results.data(), width, context, opacity.data());
+        merge(row, results.data(), opacity.data(), width);
+    }
+}
+
+}  // namespace vistrane::filter
