@@ -55,7 +55,7 @@ constexpr int kChromaBias = 128 << 16;
 }  // namespace
 
 void C_Helper::HSVFromRGB(BYTE red, BYTE green, BYTE blue, int* hue, BYTE* saturation,
-                          BYTE* value) {
+                          BYTE* value) const {
     const int maxC = std::max({red, green, blue});
     const int minC = std::min({red, green, blue});
     const int delta = maxC - minC;
@@ -70,7 +70,7 @@ void C_Helper::HSVFromRGB(BYTE red, BYTE green, BYTE blue, int* hue, BYTE* satur
 }
 
 void C_Helper::RGBFromHSV(int hue, BYTE saturation, BYTE value, BYTE* red, BYTE* green,
-                          BYTE* blue) {
+                          BYTE* blue) const {
     if (saturation == 0) {
         *red = *green = *blue = value;
         return;
@@ -116,7 +116,7 @@ void C_Helper::RGBFromHSV(int hue, BYTE saturation, BYTE value, BYTE* red, BYTE*
 }
 
 void C_Helper::HSLFromRGB(WORD red, WORD green, WORD blue, BYTE* hue, BYTE* saturation,
-                          BYTE* lightness) {
+                          BYTE* lightness) const {
     const int r = std::min<int>(red, 255);
     const int g = std::min<int>(green, 255);
     const int b = std::min<int>(blue, 255);
@@ -137,7 +137,7 @@ void C_Helper::HSLFromRGB(WORD red, WORD green, WORD blue, BYTE* hue, BYTE* satu
 }
 
 void C_Helper::RGBFromHSL(WORD hue, WORD saturation, WORD lightness, BYTE* red, BYTE* green,
-                          BYTE* blue) {
+                          BYTE* blue) const {
     const int l = std::min<int>(lightness, 240);
     const int s = std::min<int>(saturation, 240);
     if (hue == 255 || s == 0) {
@@ -176,11 +176,11 @@ void C_Helper::RGBFromHSL(WORD hue, WORD saturation, WORD lightness, BYTE* red, 
     *blue = channel(h - 80);
 }
 
-BYTE C_Helper::YFromRGB(BYTE red, BYTE green, BYTE blue) {
+BYTE C_Helper::YFromRGB(BYTE red, BYTE green, BYTE blue) const {
     return static_cast<BYTE>((kYr * red + kYg * green + kYb * blue + kHalf) >> 16);
 }
 
-void C_Helper::YUVFromRGB(BYTE red, BYTE green, BYTE blue, BYTE* y, BYTE* u, BYTE* v) {
+void C_Helper::YUVFromRGB(BYTE red, BYTE green, BYTE blue, BYTE* y, BYTE* u, BYTE* v) const {
     *y = YFromRGB(red, green, blue);
     // The sums are positive (the bias outweighs the negative weights), so the shift is a floor
     // and with kHalf a rounding; pure blue and pure red reach 255.5 and are clamped.
@@ -190,7 +190,7 @@ void C_Helper::YUVFromRGB(BYTE red, BYTE green, BYTE blue, BYTE* y, BYTE* u, BYT
         ClampByte((kVr * red + kVg * green + kVb * blue + kChromaBias + kHalf) >> 16));
 }
 
-void C_Helper::RGBFromYUV(BYTE y, BYTE u, BYTE v, BYTE* red, BYTE* green, BYTE* blue) {
+void C_Helper::RGBFromYUV(BYTE y, BYTE u, BYTE v, BYTE* red, BYTE* green, BYTE* blue) const {
     const int du = u - 128;
     const int dv = v - 128;
     // Each channel is Y plus one rounded fixed-point term; >> on a negative int is a floor, so
@@ -201,7 +201,7 @@ void C_Helper::RGBFromYUV(BYTE y, BYTE u, BYTE v, BYTE* red, BYTE* green, BYTE* 
     *blue = static_cast<BYTE>(ClampByte(y + ((kBu * du + kHalf) >> 16)));
 }
 
-void C_Helper::OffsetHSV(BYTE* pixel, int hueShift, int saturationShift, int valueShift) {
+void C_Helper::OffsetHSV(BYTE* pixel, int hueShift, int saturationShift, int valueShift) const {
     int hue;
     BYTE s;
     BYTE v;
@@ -210,7 +210,7 @@ void C_Helper::OffsetHSV(BYTE* pixel, int hueShift, int saturationShift, int val
                static_cast<BYTE>(ClampByte(v + valueShift)), &pixel[2], &pixel[1], &pixel[0]);
 }
 
-void C_Helper::OffsetYUV(BYTE* pixel, int yShift, int uShift, int vShift) {
+void C_Helper::OffsetYUV(BYTE* pixel, int yShift, int uShift, int vShift) const {
     BYTE y;
     BYTE u;
     BYTE v;
@@ -220,13 +220,13 @@ void C_Helper::OffsetYUV(BYTE* pixel, int yShift, int uShift, int vShift) {
 }
 
 void C_Helper::ChangeRGBQHSV(RGBQUAD* colors, int count, int hueShift, int saturationShift,
-                             int valueShift) {
+                             int valueShift) const {
     for (int i = 0; i < count; ++i) {
         OffsetHSV(&colors[i].rgbBlue, hueShift, saturationShift, valueShift);
     }
 }
 
-void C_Helper::ChangeRGBQYUV(RGBQUAD* colors, int count, int yShift, int uShift, int vShift) {
+void C_Helper::ChangeRGBQYUV(RGBQUAD* colors, int count, int yShift, int uShift, int vShift) const {
     for (int i = 0; i < count; ++i) {
         OffsetYUV(&colors[i].rgbBlue, yShift, uShift, vShift);
     }

@@ -95,7 +95,7 @@ std::array<BYTE, 256> CurveTable(const S_UserCurve& curve) {
 }  // namespace
 
 int C_Helper::FillUserColorOperLUTs(const S_OneUserColorOper* oper, S_CalcColorError* error,
-                                    BYTE* red, BYTE* green, BYTE* blue) {
+                                    BYTE* red, BYTE* green, BYTE* blue) const {
     auto report = [error](int code, int channel, int point) {
         if (error != nullptr) {
             error->code = code;

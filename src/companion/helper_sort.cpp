@@ -7,7 +7,7 @@
 #include <array>
 
 int C_Helper::SortRGBQs(RGBQUAD* colors, int count, const S_SortPalData* criteria,
-                        const unsigned long* usage, BYTE* reindex, S_CalcSortError* error) {
+                        const unsigned long* usage, BYTE* reindex, S_CalcSortError* error) const {
     auto fail = [error](int code) {
         if (error != nullptr) {
             error->code = code;

@@ -5,7 +5,7 @@
 #include <cmath>
 
 void C_Helper::ComputeStatistics(int nBins, const LONG* counts, LONG* median, double* mean,
-                                 double* standardDeviation) {
+                                 double* standardDeviation) const {
     // Counts are signed 32-bit per bin; the totals of a 4096 x 3072 image already pass 2^31 in
     // the weighted sums, so they are kept in 64 bits and doubles.
     long long total = 0;

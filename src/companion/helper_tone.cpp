@@ -25,26 +25,26 @@ void FillAboutMidGrey(BYTE* table, Shape shape) {
 
 }  // namespace
 
-void C_Helper::FillRGBOffTable(BYTE* table, int offset) {
+void C_Helper::FillRGBOffTable(BYTE* table, int offset) const {
     for (int i = 0; i < 256; ++i) {
         table[i] = static_cast<BYTE>(std::clamp(i + offset, 0, 255));
     }
 }
 
-void C_Helper::FillGammaTable(BYTE* table, double gamma) {
+void C_Helper::FillGammaTable(BYTE* table, double gamma) const {
     const double exponent = 1.0 / (gamma > 0.01 ? gamma : 0.01);
     for (int i = 0; i < 256; ++i) {
         table[i] = RoundToByte(255.0 * std::pow(i / 255.0, exponent));
     }
 }
 
-double C_Helper::GetGammaFromRatio(double ratio) {
+double C_Helper::GetGammaFromRatio(double ratio) const {
     const double clamped = std::clamp(ratio, 1.0 / 1024.0, 1023.0 / 1024.0);
     // 0.5^(1 / gamma) = 1 - ratio  =>  gamma = log(0.5) / log(1 - ratio).
     return std::log(0.5) / std::log(1.0 - clamped);
 }
 
-void C_Helper::FillContrastTable(BYTE* table, int contrast) {
+void C_Helper::FillContrastTable(BYTE* table, int contrast) const {
     const int c = std::clamp(contrast, -64, 64);
     if (c == 64) {
         // The limit of the slope 64 / (64 - c): a threshold at mid-grey.
@@ -57,7 +57,7 @@ void C_Helper::FillContrastTable(BYTE* table, int contrast) {
     FillAboutMidGrey(table, [slope](double x) { return x * slope; });
 }
 
-void C_Helper::FillLogContrastTable(BYTE* table, int contrast) {
+void C_Helper::FillLogContrastTable(BYTE* table, int contrast) const {
     const double k = std::clamp(contrast, 0, 200) / 10.0;
     if (k == 0.0) {
         FillAboutMidGrey(table, [](double x) { return x; });
@@ -70,7 +70,7 @@ void C_Helper::FillLogContrastTable(BYTE* table, int contrast) {
     });
 }
 
-void C_Helper::FillSineHContrastTable(BYTE* table, int contrast) {
+void C_Helper::FillSineHContrastTable(BYTE* table, int contrast) const {
     const double k = std::clamp(contrast, 0, 99) / 10.0;
     if (k == 0.0) {
         FillAboutMidGrey(table, [](double x) { return x; });
@@ -80,7 +80,7 @@ void C_Helper::FillSineHContrastTable(BYTE* table, int contrast) {
     FillAboutMidGrey(table, [k, norm](double x) { return std::asinh(k * x) / norm; });
 }
 
-void C_Helper::FillExpContrastTable(BYTE* table, int contrast) {
+void C_Helper::FillExpContrastTable(BYTE* table, int contrast) const {
     const int power = std::clamp(contrast, 0, 5) + 1;
     FillAboutMidGrey(table, [power](double x) {
         const double magnitude = 1.0 - std::pow(1.0 - std::fabs(x), power);

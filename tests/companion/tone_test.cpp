@@ -69,7 +69,7 @@ TEST(ToneTable, GammaFromRatioPutsMidGreyAtOneMinusRatio) {
 
 TEST(ToneTable, ContrastTablesAreIdentityAtZeroAndStretchAboutMidGrey) {
     C_Helper helper;
-    using Fill = void (C_Helper::*)(BYTE*, int);
+    using Fill = void (C_Helper::*)(BYTE*, int) const;
     const struct {
         Fill fill;
         int strongest;

@@ -25,6 +25,7 @@
 // stays null and the others are still built. Calling glb_CreateImageLUTs twice leaks the first
 // set. Once built the tables are read-only, so any thread may read them.
 
+#include <vistrane/blend/gray_palette.h>
 #include <vistrane/export.h>
 #include <vistrane/platform/types.h>
 
@@ -45,9 +46,6 @@ VISTRANE_API int glb_LUTsCreatedOK();
 // Frees the tables that are built and sets all nine pointers to null; safe to call twice.
 VISTRANE_API void glb_ReleaseImageLUTs();
 
-// Constant data. The grey colour table: entry i is blue i, green i, red i, reserved 0; it is
-// the colour table of every selection mask.
-VISTRANE_API extern const RGBQUAD glb_GrayPalette[256];
 // An S-shaped opacity curve indexed by a level 0..255 for the brush tips. Its low end dips from
 // 8 to 3 before rising, on purpose.
 VISTRANE_API extern const BYTE glb_BrushOpacities[256];

@@ -30,7 +30,8 @@ VISTRANE_API void GdiFlush();
 
 // A bitmap section over `section` whose pixels begin `offset` bytes into it; the header and,
 // for 8 bits or fewer, the colour table are read from `info`. Accepts 1, 4, 8, 24 and 32 bits,
-// uncompressed, with a positive height. Null when the arguments do not describe a bitmap that
+// uncompressed, with a positive height, and only DIB_RGB_COLORS (there is no device palette for
+// DIB_PAL_COLORS indices to refer to). Null when the arguments do not describe a bitmap that
 // fits in the section. `bits` (may be null) receives the first pixel byte. `dc` is unused.
 VISTRANE_API HBITMAP CreateDIBSection(HDC dc, const BITMAPINFO* info, UINT usage, void** bits,
                                       HANDLE section, DWORD offset);

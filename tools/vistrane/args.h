@@ -1,0 +1,75 @@
+#pragma once
+
+// What every subcommand shares: its description (name, arguments, options, help text), the
+// argument parser, and the exit codes and message forms of the tool.
+//
+// Options are long GNU-style options: `--name` for a flag, `--name VALUE` or `--name=VALUE`
+// for one that takes a value; `-h` and `--help` ask for help; `--` ends the options so that a
+// file name may start with a dash. Anything else that starts with a dash is a usage error.
+
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vistrane::cli {
+
+constexpr int kExitSuccess = 0;
+constexpr int kExitFailure = 1;  // the command was understood but could not be carried out
+constexpr int kExitUsage = 2;    // the command line itself is wrong
+
+struct OptionSpec {
+    const char* name;       // without the dashes
+    const char* valueName;  // shown in help, e.g. "DIR"; null for a flag
+    const char* help;
+};
+
+class ParsedArgs {
+  public:
+    bool Help() const { return m_Help; }
+    const std::vector<std::string>& Positionals() const { return m_Positionals; }
+    bool Has(std::string_view option) const { return m_Options.find(option) != m_Options.end(); }
+    // The value given to an option, or `fallback` when it was not given.
+    std::string Value(std::string_view option, const std::string& fallback = {}) const;
+
+  private:
+    friend bool ParseArgs(std::span<char* const>, std::span<const OptionSpec>, ParsedArgs&,
+                          std::string&);
+
+    bool m_Help = false;
+    std::vector<std::string> m_Positionals;
+    std::map<std::string, std::string, std::less<>> m_Options;
+};
+
+struct Subcommand;
+using RunFunction = int (*)(const Subcommand& command, const ParsedArgs& args);
+
+struct Subcommand {
+    const char* name;
+    const char* arguments;  // e.g. "IN OUT", "[DIR]"
+    const char* summary;    // one line for the tool's own help
+    const char* details;    // paragraphs for the subcommand's help; may be null
+    std::span<const OptionSpec> options;
+    std::size_t minPositionals;
+    std::size_t maxPositionals;
+    RunFunction run;
+};
+
+// Parses the arguments after the subcommand's name. Returns false with `error` naming the
+// offending argument for an unknown option, a value given to a flag, or a missing value.
+bool ParseArgs(std::span<char* const> arguments, std::span<const OptionSpec> options,
+               ParsedArgs& parsed, std::string& error);
+
+// Parses for `command`, prints its help or reports a usage error, or runs it; returns the
+// process exit code.
+int RunSubcommand(const Subcommand& command, std::span<char* const> arguments);
+
+void PrintSubcommandHelp(const Subcommand& command);
+
+// "vistrane NAME: message" and a pointer to the help on stderr; returns kExitUsage.
+int UsageError(const Subcommand& command, const std::string& message);
+// "vistrane NAME: message" on stderr; returns kExitFailure.
+int Failure(const Subcommand& command, const std::string& message);
+
+}  // namespace vistrane::cli

@@ -1,0 +1,14 @@
+#pragma once
+
+// The subcommands of the tool, one file each. A new subcommand is a new file that defines its
+// Subcommand record, a declaration here and a row in the table in main.cpp.
+
+#include "args.h"
+
+namespace vistrane::cli {
+
+extern const Subcommand kInfoCommand;
+extern const Subcommand kConvertCommand;
+extern const Subcommand kDemoCommand;
+
+}  // namespace vistrane::cli
