@@ -77,10 +77,14 @@ void OverlayRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
     Rows(s, d, r, bytes, OverlayVec, ByteRowFor(BLENDMODE_OVERLAY, KernelSet::kReference));
 }
 void DarkenRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
-    Rows(s, d, r, bytes, _mm256_min_epu8, ByteRowFor(BLENDMODE_DARKEN, KernelSet::kReference));
+    Rows(
+        s, d, r, bytes, [](__m256i a, __m256i b) { return _mm256_min_epu8(a, b); },
+        ByteRowFor(BLENDMODE_DARKEN, KernelSet::kReference));
 }
 void LightenRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
-    Rows(s, d, r, bytes, _mm256_max_epu8, ByteRowFor(BLENDMODE_LIGHTEN, KernelSet::kReference));
+    Rows(
+        s, d, r, bytes, [](__m256i a, __m256i b) { return _mm256_max_epu8(a, b); },
+        ByteRowFor(BLENDMODE_LIGHTEN, KernelSet::kReference));
 }
 void DifferenceRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
     Rows(

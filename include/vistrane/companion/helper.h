@@ -80,10 +80,12 @@ public:
     // 240, saturation the usual (max - min) / (max + min) or / (510 - max - min). Inputs above 255
     // are clamped. A hue step is up to 255 / 40 levels of the middle channel, so a saturated
     // colour's round trip may move by up to 4 levels; colours with max - min <= 40 by one.
-    void HSLFromRGB(WORD red, WORD green, WORD blue, BYTE* hue, BYTE* saturation, BYTE* lightness) const;
+    void HSLFromRGB(WORD red, WORD green, WORD blue, BYTE* hue, BYTE* saturation,
+                    BYTE* lightness) const;
     // Hue 255 or saturation 0 gives the grey of that lightness; any other hue is taken modulo 240;
     // saturation and lightness above 240 are clamped.
-    void RGBFromHSL(WORD hue, WORD saturation, WORD lightness, BYTE* red, BYTE* green, BYTE* blue) const;
+    void RGBFromHSL(WORD hue, WORD saturation, WORD lightness, BYTE* red, BYTE* green,
+                    BYTE* blue) const;
 
     // Luma and colour differences after BT.601 in full range (the JPEG form): Y = 0.299 R +
     // 0.587 G + 0.114 B, U = 128 + 0.564 (B - Y), V = 128 + 0.713 (R - Y), in 16-bit fixed point
