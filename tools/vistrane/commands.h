@@ -10,5 +10,10 @@ namespace vistrane::cli {
 extern const Subcommand kInfoCommand;
 extern const Subcommand kConvertCommand;
 extern const Subcommand kDemoCommand;
+extern const Subcommand kFilterCommand;
+extern const Subcommand kColorCommand;
+extern const Subcommand kPaintCommand;
+extern const Subcommand kStatsCommand;
+extern const Subcommand kPaletteCommand;
 
 }  // namespace vistrane::cli

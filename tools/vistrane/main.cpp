@@ -17,6 +17,11 @@ using vistrane::cli::Subcommand;
 const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kInfoCommand,
     &vistrane::cli::kConvertCommand,
+    &vistrane::cli::kFilterCommand,
+    &vistrane::cli::kColorCommand,
+    &vistrane::cli::kPaintCommand,
+    &vistrane::cli::kStatsCommand,
+    &vistrane::cli::kPaletteCommand,
     &vistrane::cli::kDemoCommand,
 };
 
