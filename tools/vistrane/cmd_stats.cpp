@@ -1,7 +1,6 @@
 // vistrane stats IN: pixel count, average colour, distinct colours and the histogram summary;
 // --plot draws the four histograms as a picture.
 
-#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -13,36 +12,6 @@
 
 namespace vistrane::cli {
 namespace {
-
-constexpr int kPlotBandHeight = 100;
-
-// Four bands, grey, red, green and blue from the top, each bin a column scaled to the band's
-// highest bin.
-bool Plot(const S_Histogram& h, const std::string& path, std::string& error) {
-    C_Image plot;
-    if (plot.Create(256, 4 * kPlotBandHeight, 1, nullptr, 0) == 0) {
-        error = "cannot make the plot picture";
-        return false;
-    }
-    plot.FillWithColorRef(RGB(255, 255, 255));
-    const LONG* bands[4] = {h.gray, h.red, h.green, h.blue};
-    const unsigned long inks[4] = {RGB(80, 80, 80), RGB(200, 30, 30), RGB(30, 160, 30),
-                                   RGB(30, 60, 200)};
-    for (int b = 0; b < 4; ++b) {
-        const LONG highest = std::max<LONG>(1, *std::max_element(bands[b], bands[b] + 256));
-        for (int i = 0; i < 256; ++i) {
-            const long bar = static_cast<long>(static_cast<long long>(bands[b][i]) *
-                                               (kPlotBandHeight - 4) / highest);
-            for (long k = 0; k < bar; ++k) {
-                BYTE* p = plot.PixelPtr(i, (b + 1) * kPlotBandHeight - 1 - k);
-                p[0] = GetBValue(inks[b]), p[1] = GetGValue(inks[b]), p[2] = GetRValue(inks[b]);
-            }
-        }
-    }
-    const ImageFileResult saved = SaveImageFile(path, plot);
-    error = saved.error;
-    return saved.ok;
-}
 
 int RunStats(const Subcommand& command, const ParsedArgs& args) {
     C_Image image;
@@ -76,8 +45,15 @@ int RunStats(const Subcommand& command, const ParsedArgs& args) {
         std::printf("%-7s %7ld %8.2f %8.2f\n", names[c], static_cast<long>(h.median[c]), h.mean[c],
                     h.deviation[c]);
     }
-    if (args.Has("plot") && !Plot(h, args.Value("plot"), error)) {
-        return Failure(command, error);
+    if (args.Has("plot")) {
+        C_Image plot;
+        if (!RenderHistogramPlot(h, plot)) {
+            return Failure(command, "cannot make the plot picture");
+        }
+        const ImageFileResult saved = SaveImageFile(args.Value("plot"), plot);
+        if (!saved.ok) {
+            return Failure(command, saved.error);
+        }
     }
     return kExitSuccess;
 }

@@ -2,6 +2,7 @@
 
 #include <vistrane/io/image_file.h>
 
+#include <algorithm>
 #include <charconv>
 
 namespace vistrane::cli {
@@ -78,6 +79,27 @@ bool LoadMaskOption(const ParsedArgs& args, C_Image& image, C_Image& mask, bool&
         return false;
     }
     mask.TransformInto(&loaded, 0);
+    return true;
+}
+
+bool RenderHistogramPlot(const S_Histogram& h, C_Image& plot) {
+    constexpr long kBand = 100;
+    if (plot.Create(256, 4 * kBand, 1, nullptr, 0) == 0) {
+        return false;
+    }
+    plot.FillWithColorRef(RGB(255, 255, 255));
+    const LONG* bands[4] = {h.gray, h.red, h.green, h.blue};
+    const BYTE inks[4][3] = {{80, 80, 80}, {30, 30, 200}, {30, 160, 30}, {200, 60, 30}};
+    for (int b = 0; b < 4; ++b) {
+        const LONG highest = std::max<LONG>(1, *std::max_element(bands[b], bands[b] + 256));
+        for (int i = 0; i < 256; ++i) {
+            const long bar =
+                static_cast<long>(static_cast<long long>(bands[b][i]) * (kBand - 4) / highest);
+            for (long k = 0; k < bar; ++k) {
+                std::copy(inks[b], inks[b] + 3, plot.PixelPtr(i, (b + 1) * kBand - 1 - k));
+            }
+        }
+    }
     return true;
 }
 

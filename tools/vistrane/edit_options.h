@@ -26,4 +26,8 @@ bool ParseInt(const std::string& text, int first, int last, const char* what, in
 bool LoadMaskOption(const ParsedArgs& args, C_Image& image, C_Image& mask, bool& hasMask,
                     std::string& error);
 
+// The grey, red, green and blue histograms as four bands of 256 x 100 pixels, top to bottom,
+// each bin a column scaled to its band's highest bin. false when the picture cannot be made.
+bool RenderHistogramPlot(const S_Histogram& h, C_Image& plot);
+
 }  // namespace vistrane::cli
