@@ -1,34 +1,39 @@
-// Filters, colour operations and statistics over a 4096 x 3072 picture through their row
-// routines (the work of FilterImage, LUTColorOperation, the HSV shift, TurnGrayScale,
-// ComputeHistogram and CountColors).
+// The C_Image members of the filter subsystem on a 4096 x 3072 24-bit picture and its 8-bit grey
+// twin: FilterImage, LUTColorOperation, the HSV shift, TurnGrayScale, ComputeHistogram and
+// CountColors. Each iteration works on the same image in place; the work per pixel does not
+// depend on the pixel values except through the tables.
 
-#include "blend/blend_dispatch.h"
-#include "filter/color_rows.h"
-#include "filter/neighbourhood_filter.h"
-
-#include <vistrane/blend/blend_modes.h>
 #include <vistrane/blend/image_luts.h>
+#include <vistrane/image/image.h>
 
 #include <benchmark/benchmark.h>
 
 #include <array>
-#include <vector>
+#include <memory>
 
 namespace {
 
-using namespace vistrane;
+constexpr long kWidth = 4096;
+constexpr long kHeight = 3072;
 
-constexpr int kWidth = 4096;
-constexpr int kHeight = 3072;
-
-std::vector<BYTE> Picture(std::size_t bytes) {
-    std::vector<BYTE> v(bytes);
-    unsigned state = 777;
-    for (auto& b : v) {
-        state = state * 1103515245u + 12345u;
-        b = static_cast<BYTE>(state >> 16);
+// The picture: seeded pseudo-random bytes, 24-bit or a grey mask.
+std::unique_ptr<C_Image> Picture(bool trueColor) {
+    auto image = std::make_unique<C_Image>();
+    const int made = trueColor ? image->Create(kWidth, kHeight, 1, nullptr, 0)
+                               : image->CreateMask(kWidth, kHeight);
+    if (made == 0) {
+        return nullptr;
     }
-    return v;
+    unsigned state = 777;
+    const long rowBytes = kWidth * (trueColor ? 3 : 1);
+    for (long y = 0; y < kHeight; ++y) {
+        BYTE* row = image->PixelPtr(0, y);
+        for (long i = 0; i < rowBytes; ++i) {
+            state = state * 1103515245u + 12345u;
+            row[i] = static_cast<BYTE>(state >> 16);
+        }
+    }
+    return image;
 }
 
 void SetRate(benchmark::State& state) {
@@ -36,35 +41,33 @@ void SetRate(benchmark::State& state) {
                                                   benchmark::Counter::kIsIterationInvariantRate);
 }
 
-void Filter(benchmark::State& state, int size, int mode, bool halfMask) {
-    glb_CreateImageLUTs();
-    const std::ptrdiff_t stride = 3 * kWidth;
-    std::vector<BYTE> picture = Picture(static_cast<std::size_t>(stride) * kHeight);
-    const std::ptrdiff_t bufferStride = 3 * (kWidth + 6);
-    std::vector<BYTE> buffer(static_cast<std::size_t>(bufferStride) * (kHeight + 6));
-    std::vector<BYTE> mask(static_cast<std::size_t>(kWidth) * kHeight);
-    for (std::size_t i = 0; i < mask.size(); ++i) {
-        mask[i] = (i % kWidth) < kWidth / 2 ? 255 : 0;
-    }
-    int kernel[49] = {};
+// A size x size kernel of weights 1..3 (all non-zero) in the middle of the 7 x 7 field.
+std::array<int, 49> Kernel(int size) {
+    std::array<int, 49> kernel{};
     for (int r = 0; r < size; ++r) {
         for (int c = 0; c < size; ++c) {
             kernel[(r + (7 - size) / 2) * 7 + c + (7 - size) / 2] = 1 + (r + c) % 3;
         }
     }
-    C_Helper helper;
-    blend::BlendContext context{0, &helper};
-    const filter::FilterSettings settings{
-        kernel, size * size * 2, 0, filter::kFilterPerChannel, 255, 3};
-    BYTE colour[3] = {};
+    return kernel;
+}
+
+void Filter(benchmark::State& state, bool trueColor, int size, BLENDMODES mode, bool halfMask) {
+    C_Image::CheckBitmapHeaderType();
+    glb_CreateImageLUTs();
+    std::unique_ptr<C_Image> image = Picture(trueColor);
+    C_Image mask;
+    if (!image || mask.CreateMask(kWidth, kHeight) == 0) {
+        state.SkipWithError("cannot make the pictures");
+        return;
+    }
+    for (long y = 0; y < kHeight; ++y) {
+        std::fill(mask.PixelPtr(0, y), mask.PixelPtr(0, y) + kWidth / 2, BYTE{255});
+    }
+    std::array<int, 49> kernel = Kernel(size);
     for (auto _ : state) {
-        const filter::Plane image{picture.data(), stride};
-        const filter::Plane copy{buffer.data(), bufferStride};
-        filter::RefreshBorderedCopy(copy, image, 3, 3, 0, 0, kWidth, kHeight, 3);
-        filter::FilterRect(image, {buffer.data() + 3 * bufferStride + 9, bufferStride},
-                           halfMask ? filter::Plane{mask.data(), kWidth} : filter::Plane{}, kWidth,
-                           kHeight, settings, blend::FastRowBlender(mode, 3),
-                           blend::MergeRowFor(3, blend::BestKernelSet()), context, colour);
+        image->FilterImage(mode, 255, 0, 0, 0, kWidth, kHeight, halfMask ? &mask : nullptr,
+                           kernel.data(), 0, size * size * 2, FILTER_PER_CHANNEL, nullptr, 0, 0);
         benchmark::ClobberMemory();
     }
     SetRate(state);
@@ -72,84 +75,96 @@ void Filter(benchmark::State& state, int size, int mode, bool halfMask) {
 }
 
 void BM_FilterImage3x3(benchmark::State& s) {
-    Filter(s, 3, BLENDMODE_NORMAL, false);
+    Filter(s, true, 3, BLENDMODE_NORMAL, false);
 }
 void BM_FilterImage7x7(benchmark::State& s) {
-    Filter(s, 7, BLENDMODE_NORMAL, false);
+    Filter(s, true, 7, BLENDMODE_NORMAL, false);
 }
 void BM_FilterImage3x3MultiplyHalfMask(benchmark::State& s) {
-    Filter(s, 3, BLENDMODE_MULTIPLY, true);
+    Filter(s, true, 3, BLENDMODE_MULTIPLY, true);
 }
 void BM_FilterImage7x7MultiplyHalfMask(benchmark::State& s) {
-    Filter(s, 7, BLENDMODE_MULTIPLY, true);
+    Filter(s, true, 7, BLENDMODE_MULTIPLY, true);
+}
+void BM_FilterImage3x3Grey(benchmark::State& s) {
+    Filter(s, false, 3, BLENDMODE_NORMAL, false);
 }
 BENCHMARK(BM_FilterImage3x3)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FilterImage7x7)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FilterImage3x3MultiplyHalfMask)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FilterImage7x7MultiplyHalfMask)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FilterImage3x3Grey)->Unit(benchmark::kMillisecond);
 
-template <typename RowOp>
-void EveryRow(benchmark::State& state, int bytesPerPixel, RowOp op) {
+template <typename Op>
+void OnPicture(benchmark::State& state, bool trueColor, Op op) {
+    C_Image::CheckBitmapHeaderType();
     glb_CreateImageLUTs();
-    const std::size_t rowBytes = static_cast<std::size_t>(kWidth) * bytesPerPixel;
-    std::vector<BYTE> picture = Picture(rowBytes * kHeight);
-    std::vector<BYTE> scratch(3 * kWidth);
+    std::unique_ptr<C_Image> image = Picture(trueColor);
+    if (!image) {
+        state.SkipWithError("cannot make the picture");
+        return;
+    }
     for (auto _ : state) {
-        for (int y = 0; y < kHeight; ++y) {
-            op(picture.data() + rowBytes * y, scratch.data());
-        }
+        op(*image);
         benchmark::ClobberMemory();
     }
     SetRate(state);
     glb_ReleaseImageLUTs();
 }
 
-void BM_FilterLUTColorOperation(benchmark::State& state) {
+void LutOperation(benchmark::State& state, bool trueColor) {
     std::array<BYTE, 256> table;
     for (int i = 0; i < 256; ++i) {
         table[i] = static_cast<BYTE>(255 - i);
     }
-    EveryRow(state, 3, [&](BYTE* row, BYTE* scratch) {
-        filter::LutRowTrueColor(row, kWidth, {table.data(), table.data(), table.data()}, nullptr,
-                                scratch);
+    OnPicture(state, trueColor, [&](C_Image& image) {
+        image.LUTColorOperation(table.data(), table.data(), table.data(), nullptr);
     });
 }
+void BM_FilterLUTColorOperation(benchmark::State& state) {
+    LutOperation(state, true);
+}
+void BM_FilterLUTColorOperationGrey(benchmark::State& state) {
+    LutOperation(state, false);
+}
 BENCHMARK(BM_FilterLUTColorOperation)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FilterLUTColorOperationGrey)->Unit(benchmark::kMillisecond);
 
 void BM_FilterHSVShift(benchmark::State& state) {
-    C_Helper helper;
-    const int shifts[3] = {30, 0, 0};
-    EveryRow(state, 3, [&](BYTE* row, BYTE* scratch) {
-        filter::ShiftRowTrueColor(row, kWidth, true, shifts, nullptr, scratch, helper);
-    });
+    int shifts[3] = {30, 0, 0};
+    OnPicture(state, true,
+              [&](C_Image& image) { image.PixelColorOperation(COLOROPER_HSV, shifts, nullptr); });
 }
 BENCHMARK(BM_FilterHSVShift)->Unit(benchmark::kMillisecond);
 
 void BM_FilterTurnGrayScale(benchmark::State& state) {
-    EveryRow(state, 3, [&](BYTE* row, BYTE* scratch) {
-        filter::GrayRowTrueColor(row, kWidth, nullptr, scratch);
-    });
+    OnPicture(state, true, [](C_Image& image) { image.TurnGrayScale(nullptr); });
 }
 BENCHMARK(BM_FilterTurnGrayScale)->Unit(benchmark::kMillisecond);
 
-void BM_FilterComputeHistogram(benchmark::State& state) {
-    std::array<LONG, 256> red{}, green{}, blue{};
-    DWORD counted = 0;
-    EveryRow(state, 3, [&](BYTE* row, BYTE*) {
-        filter::HistogramRow(row, kWidth, 3, nullptr, nullptr, red.data(), green.data(),
-                             blue.data(), &counted);
+void ComputeHistogram(benchmark::State& state, bool trueColor) {
+    S_Histogram histogram;
+    OnPicture(state, trueColor, [&](C_Image& image) {
+        image.ComputeHistogram(&histogram, nullptr);
+        benchmark::DoNotOptimize(histogram.counted);
     });
-    benchmark::DoNotOptimize(counted);
+}
+void BM_FilterComputeHistogram(benchmark::State& state) {
+    ComputeHistogram(state, true);
+}
+void BM_FilterComputeHistogramGrey(benchmark::State& state) {
+    ComputeHistogram(state, false);
 }
 BENCHMARK(BM_FilterComputeHistogram)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FilterComputeHistogramGrey)->Unit(benchmark::kMillisecond);
 
+// CountColors allocates and clears its 2 MiB bit set on every call, so every iteration pays it.
 void BM_FilterCountColors(benchmark::State& state) {
-    std::vector<BYTE> bits(1 << 21);
     unsigned long distinct = 0;
-    EveryRow(state, 3, [&](BYTE* row, BYTE*) {
-        distinct += filter::MarkColorsRow(row, kWidth, bits.data());
+    OnPicture(state, true, [&](C_Image& image) {
+        image.CountColors(&distinct, nullptr);
+        benchmark::DoNotOptimize(distinct);
     });
-    benchmark::DoNotOptimize(distinct);
 }
 BENCHMARK(BM_FilterCountColors)->Unit(benchmark::kMillisecond);
 
