@@ -69,7 +69,9 @@ struct BmpFile {
         StoreLE(bytes, 26, 1, 2);
         StoreLE(bytes, 28, bits, 2);
         StoreLE(bytes, 46, colorsUsed, 4);
-        std::memcpy(bytes.data() + 14 + headerSize, table.data(), 4 * table.size());
+        if (!table.empty()) {  // an empty vector's data() may be null, which memcpy forbids
+            std::memcpy(bytes.data() + 14 + headerSize, table.data(), 4 * table.size());
+        }
         std::memcpy(bytes.data() + offset, rows.data(), rows.size());
         return bytes;
     }
