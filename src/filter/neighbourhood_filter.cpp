@@ -8,6 +8,9 @@
 
 #include "filter/neighbourhood_filter.h"
 
+#include "filter/exact_divide.h"
+#include "filter/filter_rows.h"
+
 #include <vistrane/companion/helper.h>
 
 #include <algorithm>
@@ -97,6 +100,31 @@ void FilteredRow(const BYTE* bufferRow, int width, const Tap* taps, int nTaps,
     }
 }
 
+// Whether every byte of a row is filtered on its own, each channel of a 24-bit pixel like a
+// grey byte: then a row is one byte-wise convolution whose horizontal taps step by whole pixels.
+bool ByteWise(const FilterSettings& s) {
+    if (s.bytesPerPixel == 1) {
+        return s.type >= kFilterPerChannel && s.type <= kFilterBrightness;
+    }
+    return s.type == kFilterPerChannel;
+}
+
+// The byte-wise form of FilteredRow: one convolution over the row's bytes (see filter_rows.h).
+// Gives the bytes of the per-pixel loop, including the filter colour the last pixel leaves
+// behind.
+void FilteredRowByteWise(const BYTE* bufferRow, int rowBytes, const Tap* taps, int nTaps,
+                         const FilterSettings& s, const ExactDivider& divider,
+                         ConvolveBytesFn convolve, BYTE* filterColour, BYTE* colours) {
+    const BYTE* rows[49];
+    int weights[49];
+    for (int t = 0; t < nTaps; ++t) {
+        rows[t] = bufferRow + taps[t].displacement;
+        weights[t] = taps[t].weight;
+    }
+    convolve(rows, weights, nTaps, 0, rowBytes, divider, s.offset, colours);
+    std::memcpy(filterColour, colours + rowBytes - s.bytesPerPixel, s.bytesPerPixel);
+}
+
 // Copies one pixel into `count` consecutive places.
 void Repeat(BYTE* dst, const BYTE* pixel, int count, int bytesPerPixel) {
     for (int i = 0; i < count; ++i) {
@@ -140,10 +168,18 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
     std::vector<BYTE> colours(rowBytes);
     std::vector<BYTE> results(rowBytes);
     std::vector<BYTE> opacity(width);
+    const bool byteWise = ByteWise(settings);
+    const ExactDivider divider(settings.divisor);
+    const ConvolveBytesFn convolve = BestConvolveBytes();
     for (int y = 0; y < height; ++y) {
         BYTE* row = target.Row(y);
-        FilteredRow(buffer.Row(y), width, taps.data(), nTaps, settings, *context.helper,
-                    filterColour, colours.data());
+        if (byteWise) {
+            FilteredRowByteWise(buffer.Row(y), static_cast<int>(rowBytes), taps.data(), nTaps,
+                                settings, divider, convolve, filterColour, colours.data());
+        } else {
+            FilteredRow(buffer.Row(y), width, taps.data(), nTaps, settings, *context.helper,
+                        filterColour, colours.data());
+        }
         blend::EffectiveOpacityRow(opacity.data(), mask.first ? mask.Row(y) : nullptr,
                                    settings.opacity, width);
         blender.Run(colours.data(), row, results.data(), width, context, opacity.data());
