@@ -171,6 +171,7 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
     const bool byteWise = ByteWise(settings);
     const ExactDivider divider(settings.divisor);
     const ConvolveBytesFn convolve = BestConvolveBytes();
+    const bool fullOpacity = mask.first == nullptr && settings.opacity == 255;
     for (int y = 0; y < height; ++y) {
         BYTE* row = target.Row(y);
         if (byteWise) {
@@ -179,6 +180,12 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
         } else {
             FilteredRow(buffer.Row(y), width, taps.data(), nTaps, settings, *context.helper,
                         filterColour, colours.data());
+        }
+        // At opacity 255 everywhere the merge takes the result unchanged
+        // (MultiplyLUT[0][old] + MultiplyLUT[255][new] = new), so the blend writes in place.
+        if (fullOpacity) {
+            blender.Run(colours.data(), row, row, width, context);
+            continue;
         }
         blend::EffectiveOpacityRow(opacity.data(), mask.first ? mask.Row(y) : nullptr,
                                    settings.opacity, width);

@@ -66,18 +66,23 @@ TEST_F(ImageFilter, MatchesTheReferenceConvolutionOnAwkwardRectangles) {
                 w = random.Below(3) == 0 ? 0 : random.Below(21) - 10;
             }
             const CRect r(2, 1, 2 + size[0], 1 + size[1]);
-            for (C_Image* m : {static_cast<C_Image*>(nullptr), &mask}) {
-                C_Image original, expected;
-                ASSERT_EQ(original.Clone(&image), 1);
-                ASSERT_EQ(expected.Clone(&image), 1);
-                ReferenceFilter(expected, original, r, kernel, 7, 40, 230, m);
-                ASSERT_EQ(image.FilterImage(BLENDMODE_NORMAL, 230, 0, r.left, r.top, r.Width(),
-                                            r.Height(), m, kernel, 40, 7, FILTER_PER_CHANNEL,
-                                            nullptr, 0, 0),
-                          1);
-                EXPECT_TRUE(vistrane::test::SamePixels(expected, image))
-                    << size[0] << " x " << size[1] << " true colour " << trueColor;
-                ASSERT_EQ(image.Copy(&original), 1);
+            // Opacity 255 without a mask takes the in-place path; the others blend and merge.
+            for (const int opacity : {230, 255}) {
+                for (C_Image* m : {static_cast<C_Image*>(nullptr), &mask}) {
+                    C_Image original, expected;
+                    ASSERT_EQ(original.Clone(&image), 1);
+                    ASSERT_EQ(expected.Clone(&image), 1);
+                    ReferenceFilter(expected, original, r, kernel, 7, 40, opacity, m);
+                    ASSERT_EQ(
+                        image.FilterImage(BLENDMODE_NORMAL, static_cast<unsigned char>(opacity), 0,
+                                          r.left, r.top, r.Width(), r.Height(), m, kernel, 40, 7,
+                                          FILTER_PER_CHANNEL, nullptr, 0, 0),
+                        1);
+                    EXPECT_TRUE(vistrane::test::SamePixels(expected, image))
+                        << size[0] << " x " << size[1] << " true colour " << trueColor
+                        << " opacity " << opacity;
+                    ASSERT_EQ(image.Copy(&original), 1);
+                }
             }
         }
     }
