@@ -21,8 +21,19 @@ void Commit(BYTE* row, const BYTE* fresh, int count, int bytesPerPixel, const BY
 
 }  // namespace
 
+// Without a mask every pixel is replaced, so the rows below write straight into the row instead
+// of through the scratch row and a copy.
 void LutRowTrueColor(BYTE* row, int count, const ChannelTables& tables, const BYTE* mask,
                      BYTE* scratch) {
+    if (mask == nullptr) {
+        for (int i = 0; i < count; ++i) {
+            BYTE* p = row + 3 * i;
+            p[0] = tables.blue[p[0]];
+            p[1] = tables.green[p[1]];
+            p[2] = tables.red[p[2]];
+        }
+        return;
+    }
     for (int i = 0; i < count; ++i) {
         const BYTE* p = row + 3 * i;
         BYTE* q = scratch + 3 * i;
@@ -34,6 +45,12 @@ void LutRowTrueColor(BYTE* row, int count, const ChannelTables& tables, const BY
 }
 
 void LutRowGrey(BYTE* row, int count, const BYTE* table, const BYTE* mask, BYTE* scratch) {
+    if (mask == nullptr) {
+        for (int i = 0; i < count; ++i) {
+            row[i] = table[row[i]];
+        }
+        return;
+    }
     for (int i = 0; i < count; ++i) {
         scratch[i] = table[row[i]];
     }
@@ -41,6 +58,13 @@ void LutRowGrey(BYTE* row, int count, const BYTE* table, const BYTE* mask, BYTE*
 }
 
 void GrayRowTrueColor(BYTE* row, int count, const BYTE* mask, BYTE* scratch) {
+    if (mask == nullptr) {
+        for (int i = 0; i < count; ++i) {
+            BYTE* p = row + 3 * i;
+            p[0] = p[1] = p[2] = static_cast<BYTE>((p[0] + p[1] + p[2]) / 3);
+        }
+        return;
+    }
     for (int i = 0; i < count; ++i) {
         const BYTE* p = row + 3 * i;
         const BYTE g = static_cast<BYTE>((p[0] + p[1] + p[2]) / 3);
