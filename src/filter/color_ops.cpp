@@ -1,5 +1,7 @@
 #include "filter/color_ops.h"
 
+#include "filter/lut_bytes.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -28,8 +30,18 @@ void ColourOf(const image::PixelView& view, const BYTE* row, int x, BYTE* bgr) {
 
 void ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
                   const ColorOpArgs& args, C_Helper& helper) {
-    std::vector<BYTE> scratch(static_cast<std::size_t>(view.width) * 3);
+    // Unmasked, a grey table or three equal tables act on every byte alike.
     const bool grey = view.bytesPerPixel == 1;
+    if (args.op == ColorRowOp::kLut && mask.Empty() &&
+        (grey || (std::equal(args.tables.red, args.tables.red + 256, args.tables.green) &&
+                  std::equal(args.tables.red, args.tables.red + 256, args.tables.blue)))) {
+        const LutBytesFn lut = BestLutBytes();
+        for (int y = 0; y < view.height; ++y) {
+            lut(view.Row(y), view.RowBytes(), args.tables.red);
+        }
+        return;
+    }
+    std::vector<BYTE> scratch(static_cast<std::size_t>(view.width) * 3);
     for (int y = 0; y < view.height; ++y) {
         BYTE* row = view.Row(y);
         const BYTE* m = MaskRow(mask, y);

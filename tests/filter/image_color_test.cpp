@@ -112,6 +112,23 @@ TEST_F(ImageColor, LutOperationMixesByTheMaskOnTrueColourAndGrey) {
     EXPECT_EQ(*grey.PixelPtr(0, 0), 255);
 }
 
+// A one-table operation without a mask takes the whole-row byte path; a mask of 255 everywhere
+// takes the per-channel rows and must give the same bytes.
+TEST_F(ImageColor, OneTableOperationsGiveTheSameBytesWithAndWithoutAFullMask) {
+    for (const long width : {1L, 11L, 67L}) {
+        C_Image plain, masked, mask;
+        ASSERT_EQ(plain.Create(width, 3, 1, nullptr, 0), 1);
+        vistrane::test::FillRandomPixels(plain, static_cast<std::uint32_t>(width));
+        ASSERT_EQ(masked.Clone(&plain), 1);
+        ASSERT_EQ(mask.CreateMask(width, 3), 1);
+        mask.FillBitmapBytes(255);
+        int params[3] = {40, 0, 0};
+        plain.ColorOperation(COLOROPER_GAMMA, params, nullptr);
+        masked.ColorOperation(COLOROPER_GAMMA, params, &mask);
+        EXPECT_TRUE(vistrane::test::SamePixels(masked, plain)) << width;
+    }
+}
+
 TEST_F(ImageColor, GradientsColorizeAndGreyConversion) {
     C_Image row;
     ASSERT_EQ(row.Create(4, 1, 1, nullptr, 0), 1);
