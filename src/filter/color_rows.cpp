@@ -5,6 +5,7 @@
 #include "filter/color_rows.h"
 
 #include "blend/blend_dispatch.h"
+#include "filter/grey_bgr.h"
 
 #include <cstring>
 
@@ -59,10 +60,8 @@ void LutRowGrey(BYTE* row, int count, const BYTE* table, const BYTE* mask, BYTE*
 
 void GrayRowTrueColor(BYTE* row, int count, const BYTE* mask, BYTE* scratch) {
     if (mask == nullptr) {
-        for (int i = 0; i < count; ++i) {
-            BYTE* p = row + 3 * i;
-            p[0] = p[1] = p[2] = static_cast<BYTE>((p[0] + p[1] + p[2]) / 3);
-        }
+        static const GreyBgrFn grey = BestGreyBgr();
+        grey(row, count);
         return;
     }
     for (int i = 0; i < count; ++i) {
