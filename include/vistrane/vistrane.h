@@ -25,3 +25,11 @@
 #include <vistrane/platform/section.h>
 #include <vistrane/platform/text.h>
 #include <vistrane/platform/types.h>
+
+#include <vistrane/blend/blend_modes.h>
+#include <vistrane/blend/gray_palette.h>
+#include <vistrane/blend/image_luts.h>
+#include <vistrane/companion/helper.h>
+#include <vistrane/companion/palette_sort.h>
+#include <vistrane/companion/user_curve.h>
+#include <vistrane/filter/filter_types.h>
