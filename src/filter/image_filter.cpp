@@ -8,6 +8,8 @@
 #include "filter/neighbourhood_filter.h"
 #include "image/pixel_view.h"
 
+#include <new>
+
 namespace {
 
 vistrane::filter::Plane PlaneAt(const vistrane::image::PixelView& view, long x, long y) {
@@ -34,23 +36,15 @@ int C_Image::FilterImage(BLENDMODES mode, unsigned char opacity, int blendOption
         (mask != nullptr && (!SameDimensionsAs(mask) || mask->BitCount() != 8))) {
         return 0;
     }
-    C_Image temporary;
-    if (buffer == nullptr) {
-        if (temporary.PrepareFilterBuffer(3, 3, x, y, width, height, this) == 0) {
-            return 0;
-        }
-        buffer = &temporary;
-        bufferX = 3;
-        bufferY = 3;
-    } else if (bufferX < 3 || bufferY < 3 ||
-               !Inside(*buffer, bufferX - 3, bufferY - 3, width + 6, height + 6)) {
+    // Without a caller's buffer the filter reads a band of bordered rows that moves down the
+    // rectangle, which gives the bytes of a full bordered copy without making one.
+    if (buffer != nullptr && (bufferX < 3 || bufferY < 3 ||
+                              !Inside(*buffer, bufferX - 3, bufferY - 3, width + 6, height + 6))) {
         return 0;
     }
     GdiFlush();
     const int bpp = IsTrueColor() ? 3 : 1;
     const vistrane::filter::Plane target = PlaneAt(vistrane::image::ViewOf(*this), x, y);
-    const vistrane::filter::Plane source =
-        PlaneAt(vistrane::image::ViewOf(*buffer), bufferX, bufferY);
     const vistrane::filter::Plane maskPlane =
         mask != nullptr ? PlaneAt(vistrane::image::ViewOf(*mask), x, y) : vistrane::filter::Plane{};
     const vistrane::filter::FilterSettings settings{kernel, divisor, offset, type, opacity, bpp};
@@ -60,10 +54,21 @@ int C_Image::FilterImage(BLENDMODES mode, unsigned char opacity, int blendOption
     const vistrane::blend::RowBlender blender =
         vistrane::blend::FastRowBlender(vistrane::blend::FilterSelectorMode(mode, kind), bpp);
     vistrane::blend::BlendContext context{m_BlendModeOption, &m_Helper};
-    vistrane::filter::FilterRect(
-        target, source, maskPlane, static_cast<int>(width), static_cast<int>(height), settings,
-        blender, vistrane::blend::MergeRowFor(bpp, vistrane::blend::BestKernelSet()), context,
-        m_BlendSource);
+    const auto merge = vistrane::blend::MergeRowFor(bpp, vistrane::blend::BestKernelSet());
+    try {
+        if (buffer == nullptr) {
+            vistrane::filter::FilterRectBanded(target, maskPlane, static_cast<int>(width),
+                                               static_cast<int>(height), settings, blender, merge,
+                                               context, m_BlendSource);
+        } else {
+            vistrane::filter::FilterRect(
+                target, PlaneAt(vistrane::image::ViewOf(*buffer), bufferX, bufferY), maskPlane,
+                static_cast<int>(width), static_cast<int>(height), settings, blender, merge,
+                context, m_BlendSource);
+        }
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
     return 1;
 }
 

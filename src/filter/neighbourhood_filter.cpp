@@ -109,6 +109,10 @@ bool ByteWise(const FilterSettings& s) {
     return s.type == kFilterPerChannel;
 }
 
+// Rows per band of FilterRectBanded: the band's bordered copy (about 40 rows) stays in the
+// second-level cache.
+constexpr int kBandRows = 32;
+
 // The byte-wise form of FilteredRow: one convolution over the row's bytes (see filter_rows.h).
 // Gives the bytes of the per-pixel loop, including the filter colour the last pixel leaves
 // behind.
@@ -132,19 +136,24 @@ void Repeat(BYTE* dst, const BYTE* pixel, int count, int bytesPerPixel) {
     }
 }
 
+// One bordered row: the width pixels of src after borderX copies of its first pixel, then
+// borderX copies of its last.
+void BorderedRow(BYTE* dst, const BYTE* src, int width, int borderX, int bpp) {
+    const std::size_t rowBytes = static_cast<std::size_t>(width) * bpp;
+    std::memcpy(dst + static_cast<std::ptrdiff_t>(borderX) * bpp, src, rowBytes);
+    Repeat(dst, src, borderX, bpp);
+    Repeat(dst + (static_cast<std::ptrdiff_t>(borderX) + width) * bpp, src + rowBytes - bpp,
+           borderX, bpp);
+}
+
 }  // namespace
 
 void RefreshBorderedCopy(Plane buffer, Plane source, int borderX, int borderY, int x, int y,
                          int width, int height, int bytesPerPixel) {
     const int bpp = bytesPerPixel;
-    const std::size_t rowBytes = static_cast<std::size_t>(width) * bpp;
     for (int j = 0; j < height; ++j) {
-        const BYTE* src = source.Row(y + j) + static_cast<std::ptrdiff_t>(x) * bpp;
-        BYTE* dst = buffer.Row(borderY + j);
-        std::memcpy(dst + static_cast<std::ptrdiff_t>(borderX) * bpp, src, rowBytes);
-        Repeat(dst, src, borderX, bpp);
-        Repeat(dst + (static_cast<std::ptrdiff_t>(borderX) + width) * bpp, src + rowBytes - bpp,
-               borderX, bpp);
+        BorderedRow(buffer.Row(borderY + j),
+                    source.Row(y + j) + static_cast<std::ptrdiff_t>(x) * bpp, width, borderX, bpp);
     }
     // The top and bottom bands are copies of the first and last bordered rows, corners included
     // (their corners are the rectangle's corner pixels).
@@ -191,6 +200,42 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
                                    settings.opacity, width);
         blender.Run(colours.data(), row, results.data(), width, context, opacity.data());
         merge(row, results.data(), opacity.data(), width);
+    }
+}
+
+void FilterRectBanded(Plane target, Plane mask, int width, int height,
+                      const FilterSettings& settings, const blend::RowBlender& blender,
+                      void (*merge)(BYTE*, const BYTE*, const BYTE*, int),
+                      blend::BlendContext& context, BYTE* filterColour) {
+    if (width <= 0 || height <= 0) {
+        return;
+    }
+    constexpr int kBorder = 3;
+    const int bpp = settings.bytesPerPixel;
+    const std::ptrdiff_t stride = (static_cast<std::ptrdiff_t>(width) + 2 * kBorder) * bpp;
+    std::vector<BYTE> band(static_cast<std::size_t>(stride) * (kBandRows + 2 * kBorder));
+    const Plane copy{band.data(), stride};
+    // Band row r holds the original rectangle row y0 - 3 + r, clamped to the rectangle.
+    auto fill = [&](int r, int y0) {
+        const int y = std::clamp(y0 - kBorder + r, 0, height - 1);
+        BorderedRow(copy.Row(r), target.Row(y), width, kBorder, bpp);
+    };
+    for (int y0 = 0; y0 < height; y0 += kBandRows) {
+        const int rows = std::min(kBandRows, height - y0);
+        int first = 0;
+        if (y0 > 0) {
+            // The six rows around the band's top were read before the previous band overwrote
+            // the three above it; they sit at the end of the previous band.
+            std::memmove(copy.Row(0), copy.Row(kBandRows), static_cast<std::size_t>(stride) * 6);
+            first = 2 * kBorder;
+        }
+        for (int r = first; r < rows + 2 * kBorder; ++r) {
+            fill(r, y0);
+        }
+        const Plane bandMask = mask.first != nullptr ? Plane{mask.Row(y0), mask.stride} : Plane{};
+        FilterRect(Plane{target.Row(y0), target.stride},
+                   Plane{copy.Row(kBorder) + kBorder * bpp, stride}, bandMask, width, rows,
+                   settings, blender, merge, context, filterColour);
     }
 }
 

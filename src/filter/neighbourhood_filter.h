@@ -54,4 +54,13 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
                 void (*merge)(BYTE*, const BYTE*, const BYTE*, int), blend::BlendContext& context,
                 BYTE* filterColour);
 
+// FilterRect without a caller's buffer: the same bytes as filtering from a full bordered copy
+// of the rectangle, from a band of a few dozen bordered rows that moves down the rectangle
+// (each band keeps the original rows above it that the previous band has overwritten). Costs a
+// small allocation instead of a copy of the whole rectangle.
+void FilterRectBanded(Plane target, Plane mask, int width, int height,
+                      const FilterSettings& settings, const blend::RowBlender& blender,
+                      void (*merge)(BYTE*, const BYTE*, const BYTE*, int),
+                      blend::BlendContext& context, BYTE* filterColour);
+
 }  // namespace vistrane::filter

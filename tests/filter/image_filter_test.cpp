@@ -48,7 +48,8 @@ void ReferenceFilter(C_Image& image, const C_Image& original, const CRect& r, co
 
 TEST_F(ImageFilter, MatchesTheReferenceConvolutionOnAwkwardRectangles) {
     vistrane::test::RandomBytes random(3);
-    const long sizes[][2] = {{1, 1}, {2, 7}, {9, 4}, {31, 13}, {70, 5}};
+    // 100 and 150 rows span several bands of the buffer-less path.
+    const long sizes[][2] = {{1, 1}, {2, 7}, {9, 4}, {31, 13}, {70, 5}, {5, 100}, {17, 150}};
     for (const auto& size : sizes) {
         for (int trueColor = 0; trueColor < 2; ++trueColor) {
             C_Image image;
