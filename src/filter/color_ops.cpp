@@ -1,8 +1,10 @@
 #include "filter/color_ops.h"
 
+#include "filter/hsv_shift.h"
 #include "filter/lut_bytes.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace vistrane::filter {
@@ -42,6 +44,10 @@ void ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
         return;
     }
     std::vector<BYTE> scratch(static_cast<std::size_t>(view.width) * 3);
+    std::unique_ptr<HsvShifter> hsvShifter;
+    if (args.op == ColorRowOp::kShiftHsv && !grey) {
+        hsvShifter = std::make_unique<HsvShifter>(args.shifts[0], args.shifts[1], args.shifts[2]);
+    }
     for (int y = 0; y < view.height; ++y) {
         BYTE* row = view.Row(y);
         const BYTE* m = MaskRow(mask, y);
@@ -67,8 +73,10 @@ void ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
                 if (grey) {
                     ShiftRowGrey(row, view.width, hsv, args.shifts, view.colors, m, scratch.data(),
                                  helper);
+                } else if (hsv) {
+                    ShiftHsvRowTrueColor(row, view.width, *hsvShifter, m, scratch.data());
                 } else {
-                    ShiftRowTrueColor(row, view.width, hsv, args.shifts, m, scratch.data(), helper);
+                    ShiftYuvRowTrueColor(row, view.width, args.shifts, m, scratch.data(), helper);
                 }
                 break;
             }

@@ -6,6 +6,7 @@
 
 #include "blend/blend_dispatch.h"
 #include "filter/grey_bgr.h"
+#include "filter/hsv_shift.h"
 
 #include <cstring>
 
@@ -80,16 +81,23 @@ void NegativeRow(BYTE* row, int count, int bytesPerPixel, const BYTE* mask, BYTE
     Commit(row, scratch, count, bytesPerPixel, mask);
 }
 
-void ShiftRowTrueColor(BYTE* row, int count, bool hsv, const int* shifts, const BYTE* mask,
-                       BYTE* scratch, C_Helper& helper) {
+void ShiftYuvRowTrueColor(BYTE* row, int count, const int* shifts, const BYTE* mask, BYTE* scratch,
+                          C_Helper& helper) {
     std::memcpy(scratch, row, static_cast<std::size_t>(count) * 3);
     for (int i = 0; i < count; ++i) {
-        if (hsv) {
-            helper.OffsetHSV(scratch + 3 * i, shifts[0], shifts[1], shifts[2]);
-        } else {
-            helper.OffsetYUV(scratch + 3 * i, shifts[0], shifts[1], shifts[2]);
-        }
+        helper.OffsetYUV(scratch + 3 * i, shifts[0], shifts[1], shifts[2]);
     }
+    Commit(row, scratch, count, 3, mask);
+}
+
+void ShiftHsvRowTrueColor(BYTE* row, int count, const HsvShifter& shifter, const BYTE* mask,
+                          BYTE* scratch) {
+    if (mask == nullptr) {
+        shifter.Apply(row, count);
+        return;
+    }
+    std::memcpy(scratch, row, static_cast<std::size_t>(count) * 3);
+    shifter.Apply(scratch, count);
     Commit(row, scratch, count, 3, mask);
 }
 

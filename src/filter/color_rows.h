@@ -12,6 +12,8 @@
 
 namespace vistrane::filter {
 
+class HsvShifter;
+
 // The three tables of a per-channel operation; a grey row uses only `red`.
 struct ChannelTables {
     const BYTE* red;
@@ -27,9 +29,12 @@ void LutRowGrey(BYTE* row, int count, const BYTE* table, const BYTE* mask, BYTE*
 void GrayRowTrueColor(BYTE* row, int count, const BYTE* mask, BYTE* scratch);
 // 255 - c in every byte; bytesPerPixel 1 or 3.
 void NegativeRow(BYTE* row, int count, int bytesPerPixel, const BYTE* mask, BYTE* scratch);
-// C_Helper::OffsetHSV (hsv true) or OffsetYUV of every pixel.
-void ShiftRowTrueColor(BYTE* row, int count, bool hsv, const int* shifts, const BYTE* mask,
-                       BYTE* scratch, C_Helper& helper);
+// C_Helper::OffsetYUV of every pixel.
+void ShiftYuvRowTrueColor(BYTE* row, int count, const int* shifts, const BYTE* mask, BYTE* scratch,
+                          C_Helper& helper);
+// C_Helper::OffsetHSV of every pixel, through a shifter built once per operation.
+void ShiftHsvRowTrueColor(BYTE* row, int count, const HsvShifter& shifter, const BYTE* mask,
+                          BYTE* scratch);
 // A grey-editable row: each byte's palette colour is shifted and the grey (R + G + B) / 3 of
 // the result becomes the byte.
 void ShiftRowGrey(BYTE* row, int count, bool hsv, const int* shifts, const RGBQUAD* colors,

@@ -1,4 +1,5 @@
 #include "filter/color_rows.h"
+#include "filter/hsv_shift.h"
 #include "support/random_bytes.h"
 
 #include <vistrane/blend/image_luts.h>
@@ -91,7 +92,13 @@ TEST_F(ColorRows, ShiftRowsMatchThePixelShiftAndReduceGreysToTheAverage) {
     helper.OffsetHSV(want, 120, 10, -5);
     helper.OffsetHSV(want + 3, 120, 10, -5);
     BYTE scratch[6];
-    ShiftRowTrueColor(row, 2, true, shifts, nullptr, scratch, helper);
+    ShiftHsvRowTrueColor(row, 2, HsvShifter(shifts[0], shifts[1], shifts[2]), nullptr, scratch);
+    EXPECT_TRUE(std::equal(row, row + 6, want));
+    // YUV through a mask: the first pixel fully, the second not at all.
+    helper.OffsetYUV(want, -30, 20, 5);
+    const BYTE half[2] = {255, 0};
+    const int yuvShifts[3] = {-30, 20, 5};
+    ShiftYuvRowTrueColor(row, 2, yuvShifts, half, scratch, helper);
     EXPECT_TRUE(std::equal(row, row + 6, want));
 
     RGBQUAD colors[2] = {{0, 0, 255, 0}, {90, 90, 90, 0}};
