@@ -32,11 +32,17 @@
 #include <vistrane/companion/geom.h>
 #include <vistrane/companion/helper.h>
 #include <vistrane/companion/line.h>
+#include <vistrane/companion/palette_sort.h>
+#include <vistrane/companion/user_curve.h>
 
+#include <vistrane/blend/blend_modes.h>
 #include <vistrane/blend/gray_palette.h>
+#include <vistrane/blend/image_luts.h>
 
 #include <vistrane/image/image.h>
 #include <vistrane/image/simple_image.h>
+
+#include <vistrane/filter/filter_types.h>
 
 #include <vistrane/mask/color_match.h>
 #include <vistrane/mask/fill_queue.h>

@@ -44,8 +44,25 @@ C_Image& C_Image::operator=(const C_Image& other) {
     m_BackTrueColor = other.m_BackTrueColor;
     m_TranspTrueColor = other.m_TranspTrueColor;
     m_BehavesLikeMask = other.m_BehavesLikeMask;
-    m_GlobalOpacity = other.m_GlobalOpacity;
     m_SampleRangeLimit = other.m_SampleRangeLimit;
+    m_BlendMode = other.m_BlendMode;
+    m_BlendModeOption = other.m_BlendModeOption;
+    m_GlobalOpacity = other.m_GlobalOpacity;
+    m_pBlendColors = other.m_pBlendColors;
+    m_pOpaqueMerge = other.m_pOpaqueMerge;
+    std::copy(other.m_BlendResult, other.m_BlendResult + 3, m_BlendResult);
+    m_pBlendDest = other.m_pBlendDest;
+    std::copy(other.m_BlendSource, other.m_BlendSource + 3, m_BlendSource);
+    m_SmudgeStrength = other.m_SmudgeStrength;
+    m_pSmudgeColor = other.m_pSmudgeColor;
+    m_pSmudgePixel = other.m_pSmudgePixel;
+    m_FilterNTaps = other.m_FilterNTaps;
+    std::copy(other.m_FilterTapRows, other.m_FilterTapRows + 49, m_FilterTapRows);
+    std::copy(other.m_FilterTapWeights, other.m_FilterTapWeights + 49, m_FilterTapWeights);
+    m_FilterSample = other.m_FilterSample;
+    m_FilterPerChannel = other.m_FilterPerChannel;
+    m_FilterDivisor = other.m_FilterDivisor;
+    m_FilterOffset = other.m_FilterOffset;
     return *this;
 }
 

@@ -134,6 +134,65 @@ TEST_F(CliTest, ConvertGreyAveragesTruecolourAndColourTables) {
     EXPECT_EQ(*grey.PixelPtr(0, 0), 60);
 }
 
+TEST_F(CliTest, EditingCommandsChangeThePixelsTheySay) {
+    C_Image image;
+    ASSERT_TRUE(image.Create(3, 2, 1, nullptr, 0));
+    image.FillWithColorRef(RGB(200, 100, 50));
+    ASSERT_TRUE(SaveImageFile(Path("in.bmp"), image).ok);
+    const std::string in = "'" + Path("in.bmp") + "' ";
+
+    // A centre weight of -1 with offset 255 inverts every channel.
+    ToolRun run = Vistrane("filter " + in + "'" + Path("neg.bmp") +
+                           "' --kernel 0,0,0,0,-1,0,0,0,0 --offset 255");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    C_Image out;
+    ASSERT_TRUE(LoadImageFile(Path("neg.bmp"), out).ok);
+    EXPECT_EQ(out.GetPixelColorRef(2, 1), RGB(55, 155, 205));
+
+    // Multiply by 808080: 200 * 128 / 255 = 100, 100 * 128 / 255 = 50, 50 * 128 / 255 = 25.
+    run = Vistrane("paint " + in + "'" + Path("mul.bmp") + "' --color 808080 --mode multiply");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    ASSERT_TRUE(LoadImageFile(Path("mul.bmp"), out).ok);
+    EXPECT_EQ(out.GetPixelColorRef(0, 0), RGB(100, 50, 25));
+
+    run = Vistrane("color " + in + "'" + Path("off.bmp") + "' rgb-offset -- -10 20 300");
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(Contains(run.err, "-255..255")) << run.err;
+    run = Vistrane("color " + in + "'" + Path("off.bmp") + "' rgb-offset -- -10 20 30");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    ASSERT_TRUE(LoadImageFile(Path("off.bmp"), out).ok);
+    EXPECT_EQ(out.GetPixelColorRef(1, 1), RGB(190, 120, 80));
+
+    run = Vistrane("stats " + in + "--plot '" + Path("plot.png") + "'");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "average colour   #C86432")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "distinct colours 1")) << run.out;
+    ASSERT_TRUE(LoadImageFile(Path("plot.png"), out).ok);
+    EXPECT_EQ(out.Width(), 256);
+
+    run = Vistrane("palette " + in + "'" + Path("p.bmp") + "' sort hue");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(Contains(run.err, "no colour table")) << run.err;
+}
+
+TEST_F(CliTest, PaletteDeleteRemapsToTheNearestColour) {
+    const RGBQUAD colors[3] = {{0, 0, 250, 0}, {0, 0, 255, 0}, {255, 0, 0, 0}};
+    C_Image palette;
+    ASSERT_TRUE(palette.Create(3, 1, 0, colors, 3));
+    *palette.PixelPtr(0, 0) = 0;
+    *palette.PixelPtr(1, 0) = 1;
+    *palette.PixelPtr(2, 0) = 2;
+    ASSERT_TRUE(SaveImageFile(Path("p.bmp"), palette).ok);
+    const ToolRun run =
+        Vistrane("palette '" + Path("p.bmp") + "' '" + Path("q.bmp") + "' delete fore --fore 0");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    C_Image out;
+    ASSERT_TRUE(LoadImageFile(Path("q.bmp"), out).ok);
+    EXPECT_EQ(out.NColors(), 2u);
+    EXPECT_EQ(*out.PixelPtr(0, 0), 0);  // the dark red went to the remaining red
+    EXPECT_EQ(*out.PixelPtr(2, 0), 1);
+}
+
 TEST_F(CliTest, FailuresExitNonZeroWithAMessage) {
     const ToolRun missing = Vistrane("info '" + Path("absent.png") + "'");
     EXPECT_EQ(missing.exitCode, 1);

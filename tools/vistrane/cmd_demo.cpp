@@ -8,11 +8,13 @@
 #include <system_error>
 #include <vector>
 
+#include <vistrane/blend/image_luts.h>
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
 #include "demo_picture.h"
+#include "edit_options.h"
 
 namespace vistrane::cli {
 namespace {
@@ -81,10 +83,84 @@ std::string WriteEnlarged(DemoContext& context) {
     });
 }
 
+std::string BuildBlendTables(DemoContext&) {
+    glb_CreateImageLUTs();
+    return glb_LUTsCreatedOK() != 0 ? std::string() : "cannot build the blend tables";
+}
+
+std::string ReleaseBlendTables(DemoContext&) {
+    glb_ReleaseImageLUTs();
+    return {};
+}
+
+std::string SharpenFilter(DemoContext& context) {
+    C_Image image;
+    if (image.Clone(&context.picture) == 0) {
+        return "cannot copy the picture";
+    }
+    int kernel[49] = {};
+    const int sharpen[9] = {0, -1, 0, -1, 5, -1, 0, -1, 0};
+    for (int i = 0; i < 9; ++i) {
+        kernel[(2 + i / 3) * 7 + 2 + i % 3] = sharpen[i];
+    }
+    if (image.FilterImage(BLENDMODE_NORMAL, 255, 0, 0, 0, image.Width(), image.Height(), nullptr,
+                          kernel, 0, 1, FILTER_PER_CHANNEL, nullptr, 0, 0) == 0) {
+        return "the filter failed";
+    }
+    return SaveInto(context, image, "filter-sharpen.png");
+}
+
+std::string HueShift(DemoContext& context) {
+    C_Image image;
+    if (image.Clone(&context.picture) == 0) {
+        return "cannot copy the picture";
+    }
+    int params[3] = {120, 30, 0};
+    image.ColorOperation(COLOROPER_HSV, params, nullptr);
+    return SaveInto(context, image, "color-hsv.png");
+}
+
+// One horizontal band per blend mode, top to bottom in mode order, each painted orange.
+std::string BlendModeStrip(DemoContext& context) {
+    C_Image image;
+    if (image.Clone(&context.picture) == 0) {
+        return "cannot copy the picture";
+    }
+    image.SetForeTrueColor(RGB(255, 140, 0));
+    const long band = image.Height() / (BLENDMODE_SMUDGE + 1);
+    for (int mode = 0; mode <= BLENDMODE_SMUDGE; ++mode) {
+        const CRect rect(0, mode * band, image.Width(), (mode + 1) * band);
+        if (image.PaintMasked(PAINT_COLORS_FORE, static_cast<BLENDMODES>(mode), 50, 255, nullptr,
+                              &rect) == 0) {
+            return std::string("painting in mode ") + BlendModeName(mode) + " failed";
+        }
+    }
+    return SaveInto(context, image, "blend-modes.png");
+}
+
+std::string HistogramPlot(DemoContext& context) {
+    S_Histogram histogram;
+    context.picture.ComputeHistogram(&histogram, nullptr);
+    C_Image plot;
+    if (!RenderHistogramPlot(histogram, plot)) {
+        return "cannot make the plot picture";
+    }
+    return SaveInto(context, plot, "histogram.png");
+}
+
 constexpr DemoStep kDemoSteps[] = {
-    {"render picture", RenderPicture},      {"write picture.bmp", WritePictureBmp},
-    {"write picture.png", WritePicturePng}, {"rotate by 30 degrees", WriteRotated},
-    {"resample to a third", WriteResized},  {"resample by 3/2", WriteEnlarged},
+    {"render picture", RenderPicture},
+    {"write picture.bmp", WritePictureBmp},
+    {"write picture.png", WritePicturePng},
+    {"build blend tables", BuildBlendTables},
+    {"filter: sharpen", SharpenFilter},
+    {"color: hue shift 120", HueShift},
+    {"blend-mode strip", BlendModeStrip},
+    {"histogram plot", HistogramPlot},
+    {"rotate by 30 degrees", WriteRotated},
+    {"resample to a third", WriteResized},
+    {"resample by 3/2", WriteEnlarged},
+    {"release blend tables", ReleaseBlendTables},
 };
 
 int RunDemo(const Subcommand& command, const ParsedArgs& args) {

@@ -12,5 +12,10 @@ extern const Subcommand kConvertCommand;
 extern const Subcommand kResizeCommand;
 extern const Subcommand kRotateCommand;
 extern const Subcommand kDemoCommand;
+extern const Subcommand kFilterCommand;
+extern const Subcommand kColorCommand;
+extern const Subcommand kPaintCommand;
+extern const Subcommand kStatsCommand;
+extern const Subcommand kPaletteCommand;
 
 }  // namespace vistrane::cli

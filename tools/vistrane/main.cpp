@@ -19,6 +19,11 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kConvertCommand,
     &vistrane::cli::kResizeCommand,
     &vistrane::cli::kRotateCommand,
+    &vistrane::cli::kFilterCommand,
+    &vistrane::cli::kColorCommand,
+    &vistrane::cli::kPaintCommand,
+    &vistrane::cli::kStatsCommand,
+    &vistrane::cli::kPaletteCommand,
     &vistrane::cli::kDemoCommand,
 };
 

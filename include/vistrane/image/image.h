@@ -21,8 +21,10 @@
 //
 // Before the first image is made the host calls C_Image::CheckBitmapHeaderType() once.
 
+#include <vistrane/blend/blend_modes.h>
 #include <vistrane/companion/helper.h>
 #include <vistrane/export.h>
+#include <vistrane/filter/filter_types.h>
 #include <vistrane/image/simple_image.h>
 #include <vistrane/mask/color_match.h>
 #include <vistrane/mask/fill_queue.h>
@@ -42,6 +44,11 @@ enum PAINT_COLORS {
     PAINT_COLORS_BACK = 1,
     PAINT_COLORS_TRANSP = 2,
 };
+
+struct S_SortPalData;
+struct S_CalcSortError;
+struct S_OneUserColorOper;
+struct S_CalcColorError;
 
 class VISTRANE_API C_Image : public CObject {
   public:
@@ -421,6 +428,203 @@ class VISTRANE_API C_Image : public CObject {
     void FlipHorizontal();
     void FlipVertical();
 
+    // ---- Blending (the kernels read the painting state below) ------------------------------
+    //
+    // A selector stores one kernel; a caller then points the painting state at a destination
+    // pixel, sets the source colour, calls the kernel through m_pBlendColors and lays the result
+    // over the pixel with the stored merge step. The glb_ tables must be built.
+
+    using BlendKernel = void (C_Image::*)();
+    using MergeStep = void (C_Image::*)(unsigned char opacity);
+
+    // True for the filter modes 21..24 and smudge (25): their source colour comes from the
+    // neighbourhood of the pixel, not from the caller.
+    static int IsFilterMode(BLENDMODES mode);
+    // The fill and replace tools' selector. An option of exactly 100 is stored as 50 (a 100 %
+    // dissolve of these tools behaves as 50 %). 24-bit: modes 1..20; grey-editable 8-bit:
+    // modes 1..14; other 8-bit: dissolve only; everything else normal.
+    void FigureFillReplaceBlendingModeFunction(BLENDMODES mode, int option);
+    // The filters' selector; the option is stored unchanged. 24-bit: modes 1..10 and 13..18;
+    // grey-editable 8-bit: 1..10, 13 and 14; everything else normal; other 8-bit images keep the
+    // kernel they had.
+    void InitImageFilterBlend(BLENDMODES mode, int option);
+    // The painting selector: as the fill selector, with the filter kernels for 21..24 and the
+    // smudge kernels for 25 (on 24-bit and grey-editable images), and the same 100 -> 50 rule.
+    void SetPaintBlendingModeFunction(BLENDMODES mode, int option);
+
+    // The source colour of the kernels: on a 24-bit image blue, green, red of the COLORREF c; on
+    // an 8-bit image the index or grey level in c's low byte, the byte a mask kernel uses.
+    void SetBlendSourceColor(unsigned long c);
+    void SetBlendDestination(unsigned char* pixel) { m_pBlendDest = pixel; }
+    const unsigned char* BlendResult() const { return m_BlendResult; }
+    // The filter modes' neighbourhood: n (at most 49) tap rows with their weights, read at the
+    // byte offset `sample`; see BlendColorsFilter.
+    void SetBlendFilterTaps(const unsigned char* const* rows, const int* weights, int n,
+                            int perChannel, int divisor, int offset);
+    void SetBlendFilterSample(long sample) { m_FilterSample = sample; }
+    // Smudge operands: the carried colour and the pixel under the dab (3 bytes, or 1 for a
+    // mask), and the strength 0..255.
+    void SetBlendSmudge(unsigned char* carried, const unsigned char* pixel, int strength);
+
+    // True-colour kernels: blue, green, red of the source colour with the destination pixel.
+    void BlendColorsNormal();
+    void BlendColorsDissolve();
+    void BlendColorsMultiply();
+    void BlendColorsScreen();
+    void BlendColorsOverlay();
+    void BlendColorsSoftLight();
+    void BlendColorsHardLight();
+    void BlendColorsColorDodge();
+    void BlendColorsColorBurn();
+    void BlendColorsDarken();
+    void BlendColorsLighten();
+    void BlendColorsRGBDarken();
+    void BlendColorsRGBLighten();
+    void BlendColorsDifference();
+    void BlendColorsExclusion();
+    void BlendColorsHue();
+    void BlendColorsSaturation();
+    void BlendColorsColor();
+    void BlendColorsLuminosity();
+    void BlendColorsSaturate();
+    void BlendColorsDeSaturate();
+    void BlendColorsFilter();
+    void BlendColorsSmudge();
+    // Mask kernels: the first source byte with the single destination byte.
+    void BlendColorsNormalMask();
+    void BlendColorsDissolveMask();
+    void BlendColorsMultiplyMask();
+    void BlendColorsScreenMask();
+    void BlendColorsOverlayMask();
+    void BlendColorsSoftLightMask();
+    void BlendColorsHardLightMask();
+    void BlendColorsColorDodgeMask();
+    void BlendColorsColorBurnMask();
+    void BlendColorsDarkenMask();
+    void BlendColorsLightenMask();
+    void BlendColorsRGBDarkenMask();
+    void BlendColorsRGBLightenMask();
+    void BlendColorsDifferenceMask();
+    void BlendColorsExclusionMask();
+    void BlendColorsFilterMask();
+    void BlendColorsSmudgeMask();
+
+    // The merge steps: lay the result over the destination pixel with an opacity a. True colour
+    // and grey bytes become glb_MultiplyLUT[255 - a][old] + glb_MultiplyLUT[a][new]; palette
+    // indices cannot be mixed, so a palette pixel takes the result index where a > 127.
+    void OpaqueMergeTrue(unsigned char opacity);
+    void OpaqueMergeCanEditTrue(unsigned char opacity);
+    void OpaqueMergePal(unsigned char opacity);
+
+    // Paints the paint colour `color` in `mode` (the fill selector's choice, option as there)
+    // at `opacity`, scaled per pixel by `mask` (an 8-bit image of this image's size; null: full
+    // strength), over `rect` clipped to the image (null: the whole image). 0 without a bitmap,
+    // with a mask of another size, or with the blend tables not built.
+    int PaintMasked(PAINT_COLORS color, BLENDMODES mode, int option, unsigned char opacity,
+                    C_Image* mask, const CRect* rect);
+
+    // ---- Brush tips: members of an n x n 8-bit tip image ------------------------------------
+
+    // Sets the width x height bytes whose top-left pixel is (x, y) to the low byte of value,
+    // rows walking down from y. No clipping.
+    void PaintMaskRect(long x, long y, long width, long height, int value);
+    void PaintSquareBrushMask(int n);
+    // A bar of thickness 2 * (n / 4) + 1 across (or down) the tip, centred by (n - t) / 2.
+    void PaintHorizontalBrushMask(int n);
+    void PaintVerticalBrushMask(int n);
+    // A diagonal band n / 4 pixels either side of column r (direction 0) or n - 1 - r in row r.
+    void PaintSlashBrushMask(int n, int direction);
+    void PaintBackSlashBrushMask(int n);
+    void PaintForeSlashBrushMask(int n);
+    // Dims each non-zero byte at random: r = Random0Max(100), the first of the four (threshold,
+    // value) pairs whose threshold is >= r gives the new byte. Tips up to 5 x 5 may then have
+    // their centre set to the first pair's value (when Random0Max(2) is non-zero).
+    void RandomBrushMaskDim(int n, const unsigned char* pairs);
+    // The process-wide brush and wet-edge curves, 256 bytes each.
+    static void GetBrushLUT(unsigned char* table);
+    static void SetBrushLUT(const unsigned char* table);
+    static void GetWetLUT(unsigned char* table);
+    static void SetWetLUT(const unsigned char* table);
+
+    // ---- Palette operations and statistics ------------------------------------------------
+
+    // 24-bit: *count = distinct colours (a 2 MiB bit set per call; 0 when it cannot be had).
+    // 8-bit: usage (256 entries, required) gets the pixels per index and *count the indices
+    // in use.
+    int CountColors(unsigned long* count, unsigned long* usage);
+    // 8-bit images: every pixel byte b becomes table[b].
+    void ReIndexPixelsToPalette(unsigned char* table);
+    // 8-bit images: sorts the colour table (C_Helper::SortRGBQs) and re-indexes the pixels so
+    // the picture is unchanged. 0 for 24-bit images or when the sort fails.
+    int SortPalColors(S_SortPalData* data, S_CalcSortError* error);
+    // 8-bit images: deletes entries (see S_DelPalData); pixels of a deleted entry take the
+    // nearest remaining colour, the others keep their colour under their new index.
+    void DelPalColors(S_DelPalData* data);
+    // 8-bit images: exchanges the colour-table entries of two paint colours (see S_SwapPalData).
+    void SwapPalColors(S_SwapPalData* data);
+    // The average colour (0x00BBGGRR) of the pixels where mask is null or non-zero; 0 when none.
+    unsigned long CalcAverageColor(C_Image* mask);
+    // Histograms of the pixels where mask is null or non-zero; 8-bit images count their palette
+    // colour's red in the blue table too.
+    void ComputeHistogram(S_Histogram* histogram, C_Image* mask);
+
+    // ---- Neighbourhood filters -------------------------------------------------------------
+
+    // Filters the width x height rectangle at (x, y) in place with a 7 x 7 kernel (row-major,
+    // (3, 3) on the target; zero weights take no part): sum / divisor (truncating; divisor
+    // must not be 0) + offset, clamped, blended in `mode` (InitImageFilterBlend) and laid over
+    // the pixel at opacity * mask / 255. Samples come from a bordered copy that repeats the
+    // rectangle's own edges: `buffer` from PrepareFilterBuffer with at least 3 pixels of border,
+    // the target (x, y) at its pixel (bufferX, bufferY); or, when null, a temporary one.
+    // 0 for images that cannot be edited as true colour or when the temporary cannot be made.
+    int FilterImage(BLENDMODES mode, unsigned char opacity, int blendOption, long x, long y,
+                    long width, long height, C_Image* mask, int* kernel, int offset, int divisor,
+                    FILTER_TYPE type, C_Image* buffer, int bufferX, int bufferY);
+    // Called on an empty buffer: makes it source's format at (width + 2 borderX) x (height +
+    // 2 borderY) and fills it with RefreshFilterBuffer. 0 when it cannot be made.
+    int PrepareFilterBuffer(long borderX, long borderY, long x, long y, long width, long height,
+                            C_Image* source);
+    void RefreshFilterBuffer(long borderX, long borderY, long x, long y, long width, long height,
+                             C_Image* source);
+
+    // ---- Colour operations -----------------------------------------------------------------
+    //
+    // On palette images they change the colour table only (masks ignored); on 24-bit and grey
+    // images the pixels, under the mask rule: mask byte 0 leaves a pixel, 255 replaces it, others
+    // mix old and new through glb_MultiplyLUT. The glb_ tables must be built for masked calls.
+
+    // min, max and def each point to 3 ints; parameters an operation does not take are 0..0.
+    static void GetColorOperParams(COLOROPER_TYPE type, int* min, int* max, int* def);
+    void ColorOperation(COLOROPER_TYPE type, int* params, C_Image* mask);
+    void PixelColorOperation(COLOROPER_TYPE type, int* params, C_Image* mask);
+    // Three 256-byte tables; grey images use only red.
+    void LUTColorOperation(unsigned char* red, unsigned char* green, unsigned char* blue,
+                           C_Image* mask);
+    int UserColorOperation(S_OneUserColorOper* oper, S_CalcColorError* error, C_Image* mask);
+    int TurnGrayNeg(int gray, C_Image* mask);
+    int TurnGrayScale(C_Image* mask) { return TurnGrayNeg(1, mask); }
+    int TurnNegative(C_Image* mask) { return TurnGrayNeg(0, mask); }
+    // Negative where the mask is null or exactly 255; other images invert their colour table.
+    int TurnRGBNeg(C_Image* mask);
+    // Makes the image an 8-bit grey image. 0 when the new bitmap cannot be made.
+    int TurnGrayPalette();
+    // 24-bit only, pixels with no mask or mask byte 255 only.
+    void ColorizeMasked(COLORIZE_METHOD method, unsigned char a, unsigned char b, C_Image* mask);
+    void VerticalGradient(COLORIZE_METHOD method, unsigned char a, unsigned char b);
+    void VerticalHSLGradient(unsigned char hue, unsigned char saturation);
+    void VerticalYUVGradient(unsigned char u, unsigned char v);
+    void SeparateChannels(C_Image* first, C_Image* second, C_Image* third, COLOR_CHANNELS channels);
+    void CombineChannels(C_Image* first, C_Image* second, C_Image* third, COLOR_CHANNELS channels);
+    void RGB2BRG();
+
+    // The painting state of the operation under way, read by the kernels. Public so that the
+    // painting tools' loops can call through the stored pointers.
+    BLENDMODES m_BlendMode = BLENDMODE_NORMAL;
+    int m_BlendModeOption = 0;
+    unsigned char m_GlobalOpacity = 255;
+    BlendKernel m_pBlendColors = &C_Image::BlendColorsNormal;
+    MergeStep m_pOpaqueMerge = &C_Image::OpaqueMergeTrue;
+
   private:
     static CObject* CreateObject();
     int LoadBitmapFileBlock(const BYTE* block, unsigned long blockBytes, bool blockBytesKnown);
@@ -443,6 +647,24 @@ class VISTRANE_API C_Image : public CObject {
     unsigned long m_TranspTrueColor = 0;
     C_Helper m_Helper;
     int m_BehavesLikeMask = 0;
-    unsigned char m_GlobalOpacity = 255;
     LONG m_SampleRangeLimit;
+    // Painting state, continued: the kernels' operands. The source colour doubles as the
+    // filter colour that FilterImage carries from pixel to pixel; a new image starts it black.
+    unsigned char m_BlendResult[3] = {0, 0, 0};
+    unsigned char* m_pBlendDest = nullptr;
+    unsigned char m_BlendSource[3] = {0, 0, 0};
+    int m_SmudgeStrength = 0;
+    unsigned char* m_pSmudgeColor = nullptr;
+    const unsigned char* m_pSmudgePixel = nullptr;
+    int m_FilterNTaps = 0;
+    const unsigned char* m_FilterTapRows[49] = {};
+    int m_FilterTapWeights[49] = {};
+    long m_FilterSample = 0;
+    int m_FilterPerChannel = 1;
+    int m_FilterDivisor = 1;
+    int m_FilterOffset = 0;
+
+    void RunTrueColorRule(int mode);
+    void RunGreyRule(int mode);
+    void SelectBlendKernel(int mode);
 };

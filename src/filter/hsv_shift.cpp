@@ -1,0 +1,107 @@
+#include "filter/hsv_shift.h"
+
+#include <algorithm>
+
+namespace vistrane::filter {
+namespace {
+
+constexpr int kSector = 60;  // degrees per sector of the 360-degree hue circle
+
+constexpr int FloorDiv(int numerator, int divisor) {
+    return numerator >= 0 ? numerator / divisor : -((-numerator + divisor - 1) / divisor);
+}
+
+constexpr int ClampByte(int v) {
+    return v < 0 ? 0 : (v > 255 ? 255 : v);
+}
+
+}  // namespace
+
+HsvShifter::HsvShifter(int hueShift, int saturationShift, int valueShift)
+    : m_HueShift(hueShift),
+      m_SaturationShift(saturationShift),
+      m_ValueShift(valueShift),
+      m_Saturation(256 * 256),
+      m_Hue(256 * 511) {
+    for (int maxC = 1; maxC < 256; ++maxC) {
+        for (int delta = 0; delta <= maxC; ++delta) {
+            m_Saturation[maxC * 256 + delta] = static_cast<BYTE>((255 * delta + maxC / 2) / maxC);
+        }
+    }
+    // The rounded position base + 60 difference / delta, as the companion's HSVFromRGB has it:
+    // floor((2 * 60 * difference + delta) / (2 * delta)), in -60..60.
+    for (int delta = 1; delta < 256; ++delta) {
+        for (int difference = -delta; difference <= delta; ++difference) {
+            m_Hue[delta * 511 + difference + 255] =
+                static_cast<std::int8_t>(FloorDiv(2 * kSector * difference + delta, 2 * delta));
+        }
+    }
+}
+
+void HsvShifter::Apply(BYTE* pixels, int count) const {
+    for (int i = 0; i < count; ++i) {
+        BYTE* px = pixels + 3 * i;
+        const int r = px[2], g = px[1], b = px[0];
+        const int maxC = std::max({r, g, b});
+        const int delta = maxC - std::min({r, g, b});
+        int hue = 0;
+        int saturation = 0;
+        if (delta != 0) {
+            saturation = m_Saturation[maxC * 256 + delta];
+            int base;
+            int difference;
+            if (maxC == r) {
+                base = 0, difference = g - b;
+            } else if (maxC == g) {
+                base = 2 * kSector, difference = b - r;
+            } else {
+                base = 4 * kSector, difference = r - g;
+            }
+            hue = base + m_Hue[delta * 511 + difference + 255];
+            hue %= 360;
+            hue = hue < 0 ? hue + 360 : hue;
+        }
+        const int s = ClampByte(saturation + m_SaturationShift);
+        const int v = ClampByte(maxC + m_ValueShift);
+        if (s == 0) {
+            px[0] = px[1] = px[2] = static_cast<BYTE>(v);
+            continue;
+        }
+        int h = (hue + m_HueShift) % 360;
+        h = h < 0 ? h + 360 : h;
+        const int sector = h / kSector;
+        const int f = h % kSector;
+        // The companion's RGBFromHSV: p = v (1 - s), q = v (1 - s f / 60),
+        // t = v (1 - s (60 - f) / 60), rounded by half the divisor.
+        constexpr int kDen = 255 * kSector;
+        const int p = (v * (255 - s) + 127) / 255;
+        const int q = (v * (kDen - s * f) + kDen / 2) / kDen;
+        const int t = (v * (kDen - s * (kSector - f)) + kDen / 2) / kDen;
+        int nr, ng, nb;
+        switch (sector) {
+            case 0:
+                nr = v, ng = t, nb = p;
+                break;
+            case 1:
+                nr = q, ng = v, nb = p;
+                break;
+            case 2:
+                nr = p, ng = v, nb = t;
+                break;
+            case 3:
+                nr = p, ng = q, nb = v;
+                break;
+            case 4:
+                nr = t, ng = p, nb = v;
+                break;
+            default:
+                nr = v, ng = p, nb = q;
+                break;
+        }
+        px[0] = static_cast<BYTE>(nb);
+        px[1] = static_cast<BYTE>(ng);
+        px[2] = static_cast<BYTE>(nr);
+    }
+}
+
+}  // namespace vistrane::filter
