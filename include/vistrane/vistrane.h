@@ -37,6 +37,7 @@
 
 #include <vistrane/image/image.h>
 #include <vistrane/image/simple_image.h>
+#include <vistrane/xform/free_xform_results.h>
 
 #include <vistrane/mask/color_match.h>
 #include <vistrane/mask/fill_queue.h>
