@@ -11,6 +11,9 @@ extern const Subcommand kInfoCommand;
 extern const Subcommand kConvertCommand;
 extern const Subcommand kResizeCommand;
 extern const Subcommand kRotateCommand;
+extern const Subcommand kCropCommand;
+extern const Subcommand kBorderCommand;
+extern const Subcommand kWarpCommand;
 extern const Subcommand kDemoCommand;
 
 }  // namespace vistrane::cli

@@ -19,6 +19,9 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kConvertCommand,
     &vistrane::cli::kResizeCommand,
     &vistrane::cli::kRotateCommand,
+    &vistrane::cli::kCropCommand,
+    &vistrane::cli::kBorderCommand,
+    &vistrane::cli::kWarpCommand,
     &vistrane::cli::kDemoCommand,
 };
 
