@@ -10,6 +10,7 @@
 #include <vistrane/image/image.h>
 
 #include "image/pixel_view.h"
+#include "xform/free_xform.h"
 #include "xform/resample.h"
 #include "xform/rotate.h"
 
@@ -138,15 +139,52 @@ void BM_XformRotateRight(benchmark::State& state) {
 }
 BENCHMARK(BM_XformRotateRight)->Apply(Formats);
 
+// range(1): 0 the reference row kernel, 1 the one the CPU dispatch picks.
 void BM_XformFlipHorizontal(benchmark::State& state) {
     const bool trueColor = state.range(0) != 0;
     C_Image& picture = Picture(trueColor);
+    const vistrane::xform::FlipRowKernel kernel =
+        state.range(1) != 0 ? vistrane::xform::BestFlipRow() : vistrane::xform::FlipRowRef;
     for (auto _ : state) {
-        vistrane::xform::FlipHorizontal(ViewOf(picture));
+        vistrane::xform::FlipHorizontal(ViewOf(picture), kernel);
         benchmark::ClobberMemory();
     }
     SetPixelRate(state);
 }
-BENCHMARK(BM_XformFlipHorizontal)->Apply(Formats);
+BENCHMARK(BM_XformFlipHorizontal)
+    ->ArgNames({"bits24", "best"})
+    ->ArgsProduct({{1, 0}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
+
+// A full-picture mask and the picture onto a skewed quadrilateral about the picture's size,
+// interpolating (range(1) = 0) or nearest (1).
+void BM_XformMaskFreeXForm(benchmark::State& state) {
+    const bool trueColor = state.range(0) != 0;
+    C_Image& picture = Picture(trueColor);
+    C_Image mask;
+    mask.CreateMask(kWidth, kHeight);
+    mask.FillBitmapBytes(255);
+    const CPoint corners[4] = {CPoint(400, 150), CPoint(4000, 500), CPoint(3600, 3000),
+                               CPoint(100, 2500)};
+    const CRect box(100, 150, 4000, 3000);
+    auto targetMask = Target(false, box.Width(), box.Height());
+    auto target = Target(trueColor, box.Width(), box.Height());
+    CPoint relative[4];
+    for (int k = 0; k < 4; ++k) {
+        relative[k] = corners[k] - box.TopLeft();
+    }
+    const vistrane::xform::FreeXFormSource source{AsConst(ViewOf(mask)), AsConst(ViewOf(picture)),
+                                                  CRect(0, 0, kWidth, kHeight)};
+    const vistrane::xform::FreeXFormTarget out{ViewOf(*targetMask), ViewOf(*target)};
+    for (auto _ : state) {
+        vistrane::xform::FreeXForm(source, out, relative, state.range(1) != 0);
+        benchmark::ClobberMemory();
+    }
+    SetPixelRate(state);
+}
+BENCHMARK(BM_XformMaskFreeXForm)
+    ->ArgNames({"bits24", "nearest"})
+    ->ArgsProduct({{1, 0}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

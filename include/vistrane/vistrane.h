@@ -41,6 +41,7 @@
 
 #include <vistrane/image/image.h>
 #include <vistrane/image/simple_image.h>
+#include <vistrane/xform/free_xform_results.h>
 
 #include <vistrane/filter/filter_types.h>
 

@@ -1,6 +1,7 @@
 // C_Image members of resampling and resizing; the pixel work is in resample.cpp.
 
 #include <vistrane/image/image.h>
+#include <vistrane/platform/dc.h>
 
 #include "image/pixel_view.h"
 #include "xform/resample.h"
@@ -95,6 +96,46 @@ void C_Image::DIBResizeFrom(C_Image* source) {
     GdiFlush();
     // Only a column table is allocated; without it the image stays as it was.
     static_cast<void>(vistrane::xform::ResizeNearest(AsConst(ViewOf(*source)), ViewOf(*this)));
+}
+
+int C_Image::CreateResampling(long x, long y, long width, long height, C_Image* source,
+                              CSize size) {
+    if (source == nullptr || source == this || !source->HasImage() || !UsableSize(size)) {
+        return 0;
+    }
+    if (!source->CanEditTrueColor()) {
+        return CreateResizing(x, y, width, height, source, size);
+    }
+    // The present bitmap is re-used only at the source's depth: a grey target cannot take a
+    // 24-bit worker's output, nor the other way round.
+    const bool keep = HasImage() && CanEditTrueColor() && IsTrueColor() == source->IsTrueColor() &&
+                      Width() == size.cx && Height() == size.cy;
+    if (!keep) {
+        SelfDestruct();
+        if (!Create(size.cx, size.cy, source->IsTrueColor(), source->RGBQs(), source->NColors())) {
+            return 0;
+        }
+    }
+    const int result = source->RunResampleWorker(x, y, width, height, this, size);
+    if (!result) {
+        SelfDestruct();
+        return 0;
+    }
+    CopyPaintColors(source);
+    return result;
+}
+
+int C_Image::CreateResizing(long x, long y, long width, long height, C_Image* source, CSize size) {
+    SelfDestruct();
+    if (source == nullptr || source == this || !UsableSize(size) ||
+        !CreateCloneColors(source, &size)) {
+        return 0;
+    }
+    const int result = StretchBlt(0, 0, size.cx, size.cy, source, x, y, width, height, SRCCOPY);
+    if (!result) {
+        SelfDestruct();
+    }
+    return result;
 }
 
 int C_Image::RunResampleWorker(long x, long y, long width, long height, C_Image* target,

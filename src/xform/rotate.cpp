@@ -64,10 +64,23 @@ void FlipRowRef(BYTE* row, int count, int bytesPerPixel) {
     }
 }
 
-void FlipHorizontal(const PixelView& view) {
+FlipRowKernel BestFlipRow() {
+#if defined(__x86_64__)
+    static const FlipRowKernel best = __builtin_cpu_supports("avx2") ? FlipRowAvx2 : FlipRowRef;
+    return best;
+#else
+    return FlipRowRef;
+#endif
+}
+
+void FlipHorizontal(const PixelView& view, FlipRowKernel kernel) {
     for (int y = 0; y < view.height; ++y) {
-        FlipRowRef(view.Row(y), view.width, view.bytesPerPixel);
+        kernel(view.Row(y), view.width, view.bytesPerPixel);
     }
+}
+
+void FlipHorizontal(const PixelView& view) {
+    FlipHorizontal(view, BestFlipRow());
 }
 
 void FlipVertical(const PixelView& view) {

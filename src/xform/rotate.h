@@ -21,8 +21,16 @@ void QuarterTurn(const image::ConstPixelView& src, const image::PixelView& dst, 
 void FlipHorizontal(const image::PixelView& view);
 void FlipVertical(const image::PixelView& view);
 
-// The row kernel of FlipHorizontal: reverses the order of `count` pixels of Bpp bytes in place.
+// The row kernels of FlipHorizontal: each reverses the order of `count` pixels of 1 or 3 bytes
+// in place, touching nothing outside them. FlipRowRef is the rule; FlipRowAvx2 (x86-64 only,
+// callable only on a CPU with AVX2) gives the same bytes. BestFlipRow picks the fastest the CPU
+// runs, once per process.
 void FlipRowRef(BYTE* row, int count, int bytesPerPixel);
+void FlipRowAvx2(BYTE* row, int count, int bytesPerPixel);
+using FlipRowKernel = void (*)(BYTE* row, int count, int bytesPerPixel);
+FlipRowKernel BestFlipRow();
+// FlipHorizontal with a named kernel, for tests and benchmarks.
+void FlipHorizontal(const image::PixelView& view, FlipRowKernel kernel);
 
 // Intermediate and final sizes of the three-shear rotation of a w x h picture by `radians`.
 struct ShearSizes {

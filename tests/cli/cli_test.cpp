@@ -66,7 +66,7 @@ TEST_F(CliTest, VersionAndHelp) {
 
     const ToolRun help = Vistrane("--help");
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* command : {"info", "convert", "demo"}) {
+    for (const char* command : {"info", "convert", "crop", "border", "warp", "demo"}) {
         EXPECT_TRUE(Contains(help.out, command)) << command;
         const ToolRun commandHelp = Vistrane(std::string(command) + " --help");
         EXPECT_EQ(commandHelp.exitCode, 0) << command;
@@ -219,6 +219,106 @@ TEST_F(CliTest, FailuresExitNonZeroWithAMessage) {
     EXPECT_TRUE(Contains(command.err, "unknown command 'frobnicate'")) << command.err;
 }
 
+// The pixel bytes of (x, y) as one number.
+unsigned PixelOf(const C_Image& image, int x, int y) {
+    const BYTE* p = image.PixelPtr(x, y);
+    return image.IsTrueColor() ? p[0] | p[1] << 8 | p[2] << 16 : p[0];
+}
+
+TEST_F(CliTest, CropKeepsTheRectangleAndRefusesOneOutside) {
+    C_Image image;
+    ASSERT_TRUE(image.Create(9, 7, 1, nullptr, 0));
+    test::FillRandomPixels(image, 4);
+    ASSERT_TRUE(SaveImageFile(Path("in.bmp"), image).ok);
+    const ToolRun run =
+        Vistrane("crop --rect 2,1,5,4 '" + Path("in.bmp") + "' '" + Path("out.png") + "'");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    C_Image cropped;
+    ASSERT_TRUE(LoadImageFile(Path("out.png"), cropped).ok);
+    ASSERT_EQ(cropped.Width(), 5);
+    ASSERT_EQ(cropped.Height(), 4);
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            ASSERT_EQ(PixelOf(cropped, x, y), PixelOf(image, x + 2, y + 1)) << x << ", " << y;
+        }
+    }
+    const ToolRun outside =
+        Vistrane("crop --rect 20,0,5,5 '" + Path("in.bmp") + "' '" + Path("x.png") + "'");
+    EXPECT_EQ(outside.exitCode, 1);
+    EXPECT_TRUE(Contains(outside.err, "outside the 9 x 7 image")) << outside.err;
+    const ToolRun bad =
+        Vistrane("crop --rect 1,2,0,5 '" + Path("in.bmp") + "' '" + Path("x.png") + "'");
+    EXPECT_EQ(bad.exitCode, 2);
+    EXPECT_TRUE(Contains(bad.err, "is not a rectangle")) << bad.err;
+}
+
+TEST_F(CliTest, BorderFramesInTheGivenColour) {
+    C_Image image;
+    ASSERT_TRUE(image.Create(3, 2, 1, nullptr, 0));
+    test::FillRandomPixels(image, 8);
+    ASSERT_TRUE(SaveImageFile(Path("in.bmp"), image).ok);
+    const ToolRun run = Vistrane("border --margins 1,2,3,0 --color 0a141e '" + Path("in.bmp") +
+                                 "' '" + Path("out.bmp") + "'");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    C_Image framed;
+    ASSERT_TRUE(LoadImageFile(Path("out.bmp"), framed).ok);
+    ASSERT_EQ(framed.Width(), 7);
+    ASSERT_EQ(framed.Height(), 4);
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 7; ++x) {
+            const bool inside = x >= 1 && x < 4 && y >= 2;
+            // 0a141e is red 10, green 20, blue 30: bytes blue, green, red.
+            ASSERT_EQ(PixelOf(framed, x, y),
+                      inside ? PixelOf(image, x - 1, y - 2) : (10u << 16 | 20u << 8 | 30u))
+                << x << ", " << y;
+        }
+    }
+    const ToolRun color =
+        Vistrane("border --margins 2 --color red '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
+    EXPECT_EQ(color.exitCode, 2);
+    EXPECT_TRUE(Contains(color.err, "'red' is not a colour")) << color.err;
+    const ToolRun cut =
+        Vistrane("border --margins -2 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
+    EXPECT_EQ(cut.exitCode, 1);
+    EXPECT_TRUE(Contains(cut.err, "leave nothing")) << cut.err;
+}
+
+TEST_F(CliTest, WarpWithOwnCornersReproducesAndReportsDegenerateCorners) {
+    C_Image image;
+    ASSERT_TRUE(image.Create(12, 10, 1, nullptr, 0));
+    test::FillRandomPixels(image, 21);
+    ASSERT_TRUE(SaveImageFile(Path("in.bmp"), image).ok);
+    C_Image mask;
+    ASSERT_TRUE(mask.CreateMask(12, 10));
+    ASSERT_TRUE(mask.MaskRect(CRect(2, 3, 9, 8), 255));
+    ASSERT_TRUE(SaveImageFile(Path("mask.png"), mask).ok);
+    // The selection's bounds (2, 3, 9, 8) onto its own corners: W = 6, H = 4.
+    const ToolRun run = Vistrane("warp --nearest --corners 2,3,8,3,8,7,2,7 --mask '" +
+                                 Path("mask.png") + "' --mask-out '" + Path("m.png") + "' '" +
+                                 Path("in.bmp") + "' '" + Path("out.bmp") + "'");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    C_Image warped, warpedMask;
+    ASSERT_TRUE(LoadImageFile(Path("out.bmp"), warped).ok);
+    ASSERT_TRUE(LoadImageFile(Path("m.png"), warpedMask).ok);
+    ASSERT_EQ(warped.Width(), 6);
+    ASSERT_EQ(warped.Height(), 4);
+    EXPECT_TRUE(warpedMask.IsMask());
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 6; ++x) {
+            ASSERT_EQ(PixelOf(warped, x, y), PixelOf(image, x + 2, y + 3)) << x << ", " << y;
+            ASSERT_EQ(PixelOf(warpedMask, x, y), 255u) << x << ", " << y;
+        }
+    }
+    const ToolRun degenerate =
+        Vistrane("warp --corners 0,0,5,0,0,0,0,5 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
+    EXPECT_EQ(degenerate.exitCode, 1);
+    EXPECT_TRUE(Contains(degenerate.err, "are degenerate")) << degenerate.err;
+    const ToolRun seven =
+        Vistrane("warp --corners 1,2,3,4,5,6,7 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
+    EXPECT_EQ(seven.exitCode, 2);
+    EXPECT_TRUE(Contains(seven.err, "is not eight whole numbers")) << seven.err;
+}
+
 TEST_F(CliTest, DemoWritesThePictureInBothFormats) {
     const ToolRun run = Vistrane("demo '" + Path("demo") + "'");
     ASSERT_EQ(run.exitCode, 0) << run.err;
@@ -231,6 +331,9 @@ TEST_F(CliTest, DemoWritesThePictureInBothFormats) {
     EXPECT_EQ(bmp.Height(), 1200);
     EXPECT_TRUE(bmp.IsTrueColor());
     EXPECT_TRUE(test::SamePixels(bmp, png));
+    C_Image warped;
+    ASSERT_TRUE(LoadImageFile(Path("demo/warped.png"), warped).ok);
+    EXPECT_GT(warped.Width(), 1200);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "args.h"
 
+#include <charconv>
 #include <cstdio>
 
 namespace vistrane::cli {
@@ -108,6 +109,27 @@ int RunSubcommand(const Subcommand& command, std::span<char* const> arguments) {
             command, "unexpected argument '" + parsed.Positionals()[command.maxPositionals] + "'");
     }
     return command.run(command, parsed);
+}
+
+bool ParseIntegerList(const std::string& text, long limit, std::vector<long>& values) {
+    values.clear();
+    const char* begin = text.data();
+    const char* const end = begin + text.size();
+    while (true) {
+        long value = 0;
+        const auto parsed = std::from_chars(begin, end, value);
+        if (parsed.ec != std::errc() || value < -limit || value > limit) {
+            return false;
+        }
+        values.push_back(value);
+        if (parsed.ptr == end) {
+            return true;
+        }
+        if (*parsed.ptr != ',') {
+            return false;
+        }
+        begin = parsed.ptr + 1;
+    }
 }
 
 }  // namespace vistrane::cli

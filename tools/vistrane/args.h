@@ -67,6 +67,10 @@ int RunSubcommand(const Subcommand& command, std::span<char* const> arguments);
 
 void PrintSubcommandHelp(const Subcommand& command);
 
+// A comma-separated list of whole numbers, each within -limit..limit, e.g. "10,-4,30,0".
+// False for anything else (empty parts, spaces, signs without digits, out-of-range values).
+bool ParseIntegerList(const std::string& text, long limit, std::vector<long>& values);
+
 // "vistrane NAME: message" and a pointer to the help on stderr; returns kExitUsage.
 int UsageError(const Subcommand& command, const std::string& message);
 // "vistrane NAME: message" on stderr; returns kExitFailure.

@@ -148,6 +148,27 @@ std::string HistogramPlot(DemoContext& context) {
     return SaveInto(context, plot, "histogram.png");
 }
 
+// The whole picture onto a skewed quadrilateral inside its own size, interpolating.
+std::string WriteWarped(DemoContext& context) {
+    C_Image& picture = context.picture;
+    const long w = picture.Width();
+    const long h = picture.Height();
+    C_Image mask;
+    if (!mask.CreateMask(w, h)) {
+        return "not enough memory";
+    }
+    mask.FillBitmapBytes(255);
+    C_Image warped;
+    C_Image warpedMask;
+    const FREEXFORM_RESULTS result = warpedMask.MaskFreeXForm(
+        CPoint(w / 10, h / 20), CPoint(w - w / 16, h / 6), CPoint(w - w / 8, h - h / 24),
+        CPoint(w / 40, h - h / 5), &mask, &warped, &picture, 0, nullptr);
+    if (result != FREEXFORM_OK) {
+        return "the warp failed with result " + std::to_string(result);
+    }
+    return SaveInto(context, warped, "warped.png");
+}
+
 constexpr DemoStep kDemoSteps[] = {
     {"render picture", RenderPicture},
     {"write picture.bmp", WritePictureBmp},
@@ -160,6 +181,7 @@ constexpr DemoStep kDemoSteps[] = {
     {"rotate by 30 degrees", WriteRotated},
     {"resample to a third", WriteResized},
     {"resample by 3/2", WriteEnlarged},
+    {"warp onto four corners", WriteWarped},
     {"release blend tables", ReleaseBlendTables},
 };
 

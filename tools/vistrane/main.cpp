@@ -24,6 +24,9 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kPaintCommand,
     &vistrane::cli::kStatsCommand,
     &vistrane::cli::kPaletteCommand,
+    &vistrane::cli::kCropCommand,
+    &vistrane::cli::kBorderCommand,
+    &vistrane::cli::kWarpCommand,
     &vistrane::cli::kDemoCommand,
 };
 

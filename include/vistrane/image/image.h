@@ -35,6 +35,7 @@
 #include <vistrane/platform/memory.h>
 #include <vistrane/platform/object.h>
 #include <vistrane/platform/types.h>
+#include <vistrane/xform/free_xform_results.h>
 
 class CDC;
 
@@ -405,6 +406,16 @@ class VISTRANE_API C_Image : public CObject {
     // Fills the whole of this image from the whole of source by nearest neighbour; the two
     // must have the same pixel format.
     void DIBResizeFrom(C_Image* source);
+    // This image made from the source rectangle (x, y, width, height), at `size`. Sources whose
+    // bytes are intensities are resampled by the filtered rule of Resample, into the present
+    // bitmap when it already has the size and the source's depth; others go through
+    // CreateResizing. Copies the source's paint colours. 0, with the image empty, on failure.
+    // The rectangle must lie inside the source.
+    int CreateResampling(long x, long y, long width, long height, C_Image* source, CSize size);
+    // This image made with the source's format and colours, at `size`, filled from the source
+    // rectangle by the device's StretchBlt (deleting eliminated rows and columns). Returns the
+    // StretchBlt result; 0, with the image empty, when the image or the blit cannot be had.
+    int CreateResizing(long x, long y, long width, long height, C_Image* source, CSize size);
 
     // ---- Geometric transforms: rotation and flips ------------------------------------------
 
@@ -427,6 +438,34 @@ class VISTRANE_API C_Image : public CObject {
     // Mirror in place.
     void FlipHorizontal();
     void FlipVertical();
+
+    // ---- Geometric transforms: crop and borders --------------------------------------------
+
+    // Keeps the part of the image inside rect (right and bottom exclusive). 0, image unchanged,
+    // when rect misses the image or memory is short.
+    int CropTo(CRect rect);
+    // Grows the canvas by the given margins, filled with the background paint colour, the
+    // picture at (left, top). Negative margins are accepted and cut the picture instead. 0,
+    // image unchanged, when the new size is below 1 x 1 or memory is short.
+    int AddBorders(long left, long top, long right, long bottom);
+
+    // ---- Geometric transforms: four-corner free transform ----------------------------------
+
+    // Maps the source rectangle of sourceMask (and of sourceImage when given) onto the
+    // quadrilateral topLeft, topRight, bottomRight, bottomLeft: the destinations of the
+    // rectangle's corners. Each pixel inside the quadrilateral takes the source position whose
+    // ratios of perpendicular distances to opposite edges it shares, so a pixel on the left edge
+    // reads the rectangle's left column. nearest non-zero copies the nearest source pixel; zero
+    // interpolates four pixels in whole percent, rounded.
+    // The results cover the bounding box of the corners (right and bottom exclusive). Without
+    // sourceImage this image becomes a mask of sourceMask's size holding the result at the box's
+    // place (this may be sourceMask itself). With sourceImage this image becomes the box-sized
+    // mask and destImage the box-sized image, in sourceImage's format and colours.
+    // sourceRect (right and bottom exclusive, clipped to the sources) defaults to the bounds of
+    // the mask's selection. Nothing changes unless the result is FREEXFORM_OK.
+    FREEXFORM_RESULTS MaskFreeXForm(CPoint topLeft, CPoint topRight, CPoint bottomRight,
+                                    CPoint bottomLeft, C_Image* sourceMask, C_Image* destImage,
+                                    C_Image* sourceImage, int nearest, CRect* sourceRect);
 
     // ---- Blending (the kernels read the painting state below) ------------------------------
     //

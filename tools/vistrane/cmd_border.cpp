@@ -1,0 +1,101 @@
+// vistrane border IN OUT --margins N|L,T,R,B [--color RRGGBB]
+
+#include <charconv>
+#include <string>
+#include <vector>
+
+#include <vistrane/image/image.h>
+#include <vistrane/io/image_file.h>
+
+#include "commands.h"
+
+namespace vistrane::cli {
+namespace {
+
+// "RRGGBB" in hexadecimal, optionally after a '#'.
+bool ParseColor(std::string text, unsigned long& color) {
+    if (!text.empty() && text[0] == '#') {
+        text.erase(0, 1);
+    }
+    unsigned long rgb = 0;
+    const char* end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, rgb, 16);
+    if (text.size() != 6 || parsed.ec != std::errc() || parsed.ptr != end) {
+        return false;
+    }
+    color = RGB(rgb >> 16 & 0xFF, rgb >> 8 & 0xFF, rgb & 0xFF);
+    return true;
+}
+
+int RunBorder(const Subcommand& command, const ParsedArgs& args) {
+    const std::string& input = args.Positionals()[0];
+    const std::string& output = args.Positionals()[1];
+    if (!args.Has("margins")) {
+        return UsageError(command, "give the border widths with --margins N or --margins L,T,R,B");
+    }
+    const std::string marginsText = args.Value("margins");
+    std::vector<long> m;
+    if (!ParseIntegerList(marginsText, 65535, m) || (m.size() != 1 && m.size() != 4)) {
+        return UsageError(command, "'" + marginsText + "' is not N or L,T,R,B (-65535 to 65535)");
+    }
+    if (m.size() == 1) {
+        m.assign(4, m[0]);
+    }
+    unsigned long color = 0;
+    const std::string colorText = args.Value("color");
+    if (args.Has("color") && !ParseColor(colorText, color)) {
+        return UsageError(command, "'" + colorText + "' is not a colour RRGGBB");
+    }
+    if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
+        return UsageError(command,
+                          "cannot tell the format of '" + output + "': name it .bmp or .png");
+    }
+    C_Image image;
+    const ImageFileResult loaded = LoadImageFile(input, image);
+    if (!loaded.ok) {
+        return Failure(command, loaded.error);
+    }
+    if (args.Has("color")) {
+        if (image.IsTrueColor()) {
+            image.SetBackTrueColor(color);
+        } else {
+            // A palette image borders in its nearest colour (low byte of PALETTEINDEX).
+            image.SetBackPalInd(static_cast<unsigned char>(image.GetNearestColorRef(color)));
+        }
+    }
+    const long long width = image.Width() + m[0] + m[2];
+    const long long height = image.Height() + m[1] + m[3];
+    if (width < 1 || height < 1) {
+        return Failure(command, "the margins " + marginsText + " leave nothing of the image");
+    }
+    if (!image.AddBorders(m[0], m[1], m[2], m[3])) {
+        return Failure(command, "not enough memory to add the borders");
+    }
+    const ImageFileResult saved = SaveImageFile(output, image);
+    if (!saved.ok) {
+        return Failure(command, saved.error);
+    }
+    return kExitSuccess;
+}
+
+constexpr OptionSpec kBorderOptions[] = {
+    {"margins", "N|L,T,R,B", "border widths: one for every side, or left, top, right, bottom"},
+    {"color", "RRGGBB", "the border colour in hexadecimal (default: the background colour)"},
+};
+
+}  // namespace
+
+const Subcommand kBorderCommand = {
+    "border",
+    "IN OUT",
+    "add borders around an image",
+    "Reads IN, grows the canvas by the margins, fills the new pixels with the background\n"
+    "colour and writes OUT (.bmp or .png). A palette image takes the palette entry nearest to\n"
+    "--color. Negative margins cut the picture instead.",
+    kBorderOptions,
+    2,
+    2,
+    RunBorder,
+};
+
+}  // namespace vistrane::cli
