@@ -11,6 +11,9 @@ extern const Subcommand kInfoCommand;
 extern const Subcommand kConvertCommand;
 extern const Subcommand kResizeCommand;
 extern const Subcommand kRotateCommand;
+extern const Subcommand kTraceCommand;
+extern const Subcommand kTextCommand;
+extern const Subcommand kPathCommand;
 extern const Subcommand kDemoCommand;
 
 }  // namespace vistrane::cli
