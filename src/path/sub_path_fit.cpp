@@ -13,6 +13,9 @@
 //    and the alpha thresholds are absolute (1e-06), not scaled by the segment length;
 //  - control points are rounded to integer offsets, so the error is measured on the rounded
 //    curve;
+//  - the error of an anchor is measured at its parameter clamped to [0, 1] (the parameters
+//    themselves stay unclamped), so that an accepted segment, not its extension, passes
+//    within the error of every anchor;
 //  - a zero chord total is not guarded: coincident anchors give non-finite parameters, which
 //    make every comparison false, so the range is accepted with zero offsets.
 //
@@ -222,8 +225,14 @@ double C_SubPath::ComputeMaxError(int first, int last, int* split, double stopAt
         vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
     double maxDist = 0.0;
     for (int i = first + 1; i < last; ++i) {
-        const double d =
-            (vistrane::path::EvalCubic(c, m_FitParams[i]) - Anchor(m_Points, i)).SelfDotProduct();
+        // Newton leaves parameters unclamped, and on outlines that fold back on themselves (a
+        // one-pixel spur traced out and back) it can carry one outside [0, 1], where the cubic's
+        // extension passes near an anchor that the segment itself misses. Measuring at the
+        // clamped parameter bounds the distance to the segment from above, so an accepted fit
+        // keeps every anchor within the error. A NaN parameter measures at t = 0.
+        const double u = m_FitParams[i];
+        const double t = u > 1.0 ? 1.0 : (u >= 0.0 ? u : 0.0);
+        const double d = (vistrane::path::EvalCubic(c, t) - Anchor(m_Points, i)).SelfDotProduct();
         // Ties go to the later point. A NaN distance never compares, so it cannot be chosen.
         if (d >= maxDist) {
             maxDist = d;

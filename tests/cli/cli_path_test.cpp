@@ -87,7 +87,9 @@ TEST_F(CliPathTest, TraceWritesTheOutlinesAsPathAndSvg) {
     const ToolRun run = Vistrane("trace " + Path("ring.png") + " --tolerance 1 --out " +
                                  Path("ring.path") + " --svg " + Path("ring.svg"));
     ASSERT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_TRUE(Contains(run.out, "sub-paths: 2 (")) << run.out;
+    // The hole's 20-pixel outline fits within a pixel as a single looping cubic between two
+    // neighbouring anchors, and a sub-path of two anchors is left open.
+    EXPECT_TRUE(Contains(run.out, "sub-paths: 2 (1 closed)\n")) << run.out;
     // Outlines run through the centres of the edge pixels: the outer one spans columns 10..29
     // and rows 6..21; a fitted curve may bulge past the corner pixels but not by a pixel.
     EXPECT_TRUE(Contains(run.out, "bounds:    10, 6 to 29, 21 (20 x 16)\n")) << run.out;
@@ -97,6 +99,7 @@ TEST_F(CliPathTest, TraceWritesTheOutlinesAsPathAndSvg) {
     EXPECT_EQ(path.GetNSubPaths(), 2);
     const std::string svg = ReadText(File("ring.svg"));
     EXPECT_EQ(CountOf(svg, "<path "), 2) << svg;
+    EXPECT_EQ(CountOf(svg, " Z\""), 1) << svg;
 
     // The same pixels as dark ink on white paper, in a 24-bit BMP.
     C_Image paper;
