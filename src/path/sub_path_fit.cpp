@@ -194,25 +194,19 @@ void C_SubPath::Parametrize(int first, int last) {
 }
 
 void C_SubPath::ReParametrize(int first, int last) {
+    // The segment does not change during the pass, so its curves are built once.
+    const vistrane::path::CubicControls c =
+        vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
+    const vistrane::path::CubicDerivatives d = vistrane::path::Derivatives(c);
     for (int i = first; i <= last; ++i) {
-        NewtonRaphsonRootFind(first, last, &m_FitParams[i], &m_Points[i]);
+        vistrane::path::NewtonStep(c, d, Anchor(m_Points, i), m_FitParams[i]);
     }
 }
 
 void C_SubPath::NewtonRaphsonRootFind(int first, int last, double* u, const S_PathPoint* p) const {
     const vistrane::path::CubicControls c =
         vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
-    const C_2DVector q1[3] = {(c.p[1] - c.p[0]) * 3.0, (c.p[2] - c.p[1]) * 3.0,
-                              (c.p[3] - c.p[2]) * 3.0};
-    const C_2DVector q2[2] = {(q1[1] - q1[0]) * 2.0, (q1[2] - q1[1]) * 2.0};
-    const C_2DVector qu = vistrane::path::EvalCubic(c, *u) - C_2DVector(p->m_Anchor);
-    const C_2DVector q1u = BezierCurveVelocity(q1, *u);
-    const C_2DVector q2u = BezierCurveAcceleration(q2, *u);
-    const double numerator = qu.DotProduct(q1u);
-    const double denominator = q1u.DotProduct(q1u) + qu.DotProduct(q2u);
-    if (denominator != 0.0) {
-        *u -= numerator / denominator;
-    }
+    vistrane::path::NewtonStep(c, vistrane::path::Derivatives(c), C_2DVector(p->m_Anchor), *u);
 }
 
 double C_SubPath::ComputeMaxError(int first, int last, int* split) const {
@@ -254,12 +248,9 @@ C_2DVector C_SubPath::ComputeRightTangent(int i) const {
 }
 
 C_2DVector C_SubPath::BezierCurveVelocity(const C_2DVector* v, double t) {
-    const double s = 1.0 - t;
-    const C_2DVector a = v[0] * s + v[1] * t;
-    const C_2DVector b = v[1] * s + v[2] * t;
-    return a * s + b * t;
+    return vistrane::path::EvalQuadratic(v, t);
 }
 
 C_2DVector C_SubPath::BezierCurveAcceleration(const C_2DVector* v, double t) {
-    return v[0] * (1.0 - t) + v[1] * t;
+    return vistrane::path::EvalLinear(v, t);
 }
