@@ -66,7 +66,7 @@ TEST_F(CliTest, VersionAndHelp) {
 
     const ToolRun help = Vistrane("--help");
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* command : {"info", "convert", "demo"}) {
+    for (const char* command : {"info", "convert", "demo", "trace", "text", "path"}) {
         EXPECT_TRUE(Contains(help.out, command)) << command;
         const ToolRun commandHelp = Vistrane(std::string(command) + " --help");
         EXPECT_EQ(commandHelp.exitCode, 0) << command;
