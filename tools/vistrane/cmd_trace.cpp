@@ -103,8 +103,10 @@ const Subcommand kTraceCommand = {
     "trace the outlines of a selection mask into a path of Bezier curves",
     "Reads MASK (.bmp or .png): a grey mask in which every non-zero pixel is selected, or any\n"
     "other image read as its grey levels. Every outline of the selection, holes included,\n"
-    "becomes a closed sub-path fitted with cubic curves within the tolerance, and the path is\n"
-    "written to the path file (and as SVG with --svg). Prints the counts and the bounds.",
+    "becomes a sub-path fitted with cubic curves within the tolerance, closed when it keeps\n"
+    "three or more anchors (a small outline may fit as one looping curve between two), and\n"
+    "the path is written to the path file (and as SVG with --svg). Prints the counts and the\n"
+    "bounds.",
     kTraceOptions,
     1,
     1,
