@@ -13,6 +13,9 @@
 //    and the alpha thresholds are absolute (1e-06), not scaled by the segment length;
 //  - control points are rounded to integer offsets, so the error is measured on the rounded
 //    curve;
+//  - the error of an anchor is measured at its parameter clamped to [0, 1] (the parameters
+//    themselves stay unclamped), so that an accepted segment, not its extension, passes
+//    within the error of every anchor;
 //  - a zero chord total is not guarded: coincident anchors give non-finite parameters, which
 //    make every comparison false, so the range is accepted with zero offsets.
 //
@@ -191,25 +194,19 @@ void C_SubPath::Parametrize(int first, int last) {
 }
 
 void C_SubPath::ReParametrize(int first, int last) {
+    // The segment does not change during the pass, so its curves are built once.
+    const vistrane::path::CubicControls c =
+        vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
+    const vistrane::path::CubicDerivatives d = vistrane::path::Derivatives(c);
     for (int i = first; i <= last; ++i) {
-        NewtonRaphsonRootFind(first, last, &m_FitParams[i], &m_Points[i]);
+        vistrane::path::NewtonStep(c, d, Anchor(m_Points, i), m_FitParams[i]);
     }
 }
 
 void C_SubPath::NewtonRaphsonRootFind(int first, int last, double* u, const S_PathPoint* p) const {
     const vistrane::path::CubicControls c =
         vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
-    const C_2DVector q1[3] = {(c.p[1] - c.p[0]) * 3.0, (c.p[2] - c.p[1]) * 3.0,
-                              (c.p[3] - c.p[2]) * 3.0};
-    const C_2DVector q2[2] = {(q1[1] - q1[0]) * 2.0, (q1[2] - q1[1]) * 2.0};
-    const C_2DVector qu = vistrane::path::EvalCubic(c, *u) - C_2DVector(p->m_Anchor);
-    const C_2DVector q1u = BezierCurveVelocity(q1, *u);
-    const C_2DVector q2u = BezierCurveAcceleration(q2, *u);
-    const double numerator = qu.DotProduct(q1u);
-    const double denominator = q1u.DotProduct(q1u) + qu.DotProduct(q2u);
-    if (denominator != 0.0) {
-        *u -= numerator / denominator;
-    }
+    vistrane::path::NewtonStep(c, vistrane::path::Derivatives(c), C_2DVector(p->m_Anchor), *u);
 }
 
 double C_SubPath::ComputeMaxError(int first, int last, int* split) const {
@@ -222,8 +219,14 @@ double C_SubPath::ComputeMaxError(int first, int last, int* split, double stopAt
         vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
     double maxDist = 0.0;
     for (int i = first + 1; i < last; ++i) {
-        const double d =
-            (vistrane::path::EvalCubic(c, m_FitParams[i]) - Anchor(m_Points, i)).SelfDotProduct();
+        // Newton leaves parameters unclamped, and on outlines that fold back on themselves (a
+        // one-pixel spur traced out and back) it can carry one outside [0, 1], where the cubic's
+        // extension passes near an anchor that the segment itself misses. Measuring at the
+        // clamped parameter bounds the distance to the segment from above, so an accepted fit
+        // keeps every anchor within the error. A NaN parameter measures at t = 0.
+        const double u = m_FitParams[i];
+        const double t = u > 1.0 ? 1.0 : (u >= 0.0 ? u : 0.0);
+        const double d = (vistrane::path::EvalCubic(c, t) - Anchor(m_Points, i)).SelfDotProduct();
         // Ties go to the later point. A NaN distance never compares, so it cannot be chosen.
         if (d >= maxDist) {
             maxDist = d;
@@ -245,12 +248,9 @@ C_2DVector C_SubPath::ComputeRightTangent(int i) const {
 }
 
 C_2DVector C_SubPath::BezierCurveVelocity(const C_2DVector* v, double t) {
-    const double s = 1.0 - t;
-    const C_2DVector a = v[0] * s + v[1] * t;
-    const C_2DVector b = v[1] * s + v[2] * t;
-    return a * s + b * t;
+    return vistrane::path::EvalQuadratic(v, t);
 }
 
 C_2DVector C_SubPath::BezierCurveAcceleration(const C_2DVector* v, double t) {
-    return v[0] * (1.0 - t) + v[1] * t;
+    return vistrane::path::EvalLinear(v, t);
 }

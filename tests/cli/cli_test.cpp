@@ -66,7 +66,8 @@ TEST_F(CliTest, VersionAndHelp) {
 
     const ToolRun help = Vistrane("--help");
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* command : {"info", "convert", "crop", "border", "warp", "demo"}) {
+    for (const char* command :
+         {"info", "convert", "crop", "border", "warp", "demo", "trace", "text", "path"}) {
         EXPECT_TRUE(Contains(help.out, command)) << command;
         const ToolRun commandHelp = Vistrane(std::string(command) + " --help");
         EXPECT_EQ(commandHelp.exitCode, 0) << command;

@@ -2,11 +2,15 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <random>
 #include <vector>
 
 #include <vistrane/companion/geom.h>
 #include <vistrane/image/image.h>
+#include <vistrane/path/contour_bug.h>
 #include <vistrane/path/point_path.h>
+
+#include "support/path_support.h"
 
 namespace {
 
@@ -56,7 +60,98 @@ std::vector<std::vector<int>> FillBack(const C_PointPath& path, long w, long h, 
     return filled;
 }
 
+// Hundreds of seeded blobs on a 640 x 480 mask: discs and rings of jittered sizes, bars one
+// and two pixels wide, ragged clusters of random pixels (spurs, diagonal contacts, pinholes),
+// many of them overlapping.
+void MakeBlobs(C_Image* mask) {
+    ASSERT_EQ(mask->CreateMask(640, 480), 1);
+    std::mt19937 rng(2024);
+    std::uniform_int_distribution<int> x(0, 639);
+    std::uniform_int_distribution<int> y(0, 479);
+    std::uniform_int_distribution<int> kind(0, 3);
+    std::uniform_real_distribution<double> radius(2.0, 25.0);
+    const auto set = [mask](long px, long py) {
+        if (px >= 0 && px < 640 && py >= 0 && py < 480) {
+            *mask->PixelPtr(px, py) = 255;
+        }
+    };
+    for (int blob = 0; blob < 400; ++blob) {
+        const long cx = x(rng);
+        const long cy = y(rng);
+        const double r = radius(rng);
+        switch (kind(rng)) {
+            case 0:
+            case 1: {
+                const double hole = kind(rng) == 0 ? r * 0.5 : -1.0;
+                for (long py = cy - 26; py <= cy + 26; ++py) {
+                    for (long px = cx - 26; px <= cx + 26; ++px) {
+                        const double d = std::hypot(px - cx + 0.3, py - cy - 0.2);
+                        if (d <= r && d > hole) {
+                            set(px, py);
+                        }
+                    }
+                }
+                break;
+            }
+            case 2: {
+                const long width = 1 + blob % 2;
+                const long length = static_cast<long>(r) * 2;
+                for (long i = 0; i < length; ++i) {
+                    for (long w = 0; w < width; ++w) {
+                        if (blob % 4 < 2) {
+                            set(cx + i, cy + w);
+                        } else {
+                            set(cx + w, cy + i);
+                        }
+                    }
+                }
+                break;
+            }
+            default: {
+                std::uniform_int_distribution<int> near(-6, 6);
+                for (int i = 0; i < 40; ++i) {
+                    set(cx + near(rng), cy + near(rng));
+                }
+                break;
+            }
+        }
+    }
+}
+
 }  // namespace
+
+TEST(CreateFromMask, EveryTracedAnchorLiesWithinTheToleranceOfItsFittedOutline) {
+    C_Image mask;
+    MakeBlobs(&mask);
+    C_PointPath traced;
+    C_ContourBug bug;
+    ASSERT_EQ(bug.CreateMaskContour(&mask, &traced), CB_OK);
+    ASSERT_GT(traced.GetNSubPaths(), 300);
+    for (const double tolerance : {0.5, 1.0, 3.0}) {
+        long anchors = 0;
+        long outside = 0;
+        double worst = 0.0;
+        for (const C_SubPath* t = traced.GetFirstSubPath(); t != nullptr; t = t->GetNext()) {
+            // Fitted and closed as CreateFromMask does, without the offset.
+            C_SubPath* fitted = t->Clone();
+            ASSERT_NE(fitted, nullptr);
+            fitted->Simplify(tolerance, 0, -1);
+            fitted->Close(fitted->GetCount() > 2 ? 1 : 0);
+            // 64 chords a segment stray from segments this short and flat by under 0.005 px.
+            const auto samples = vistrane::test::SampleSegments(*fitted, 64);
+            for (int i = 0; i < t->GetCount(); ++i) {
+                const double d = vistrane::test::DistanceToSamples(
+                    samples, C_2DVector(t->GetPoints()[i].m_Anchor));
+                worst = std::max(worst, d);
+                outside += d > tolerance + 0.01 ? 1 : 0;
+                ++anchors;
+            }
+            delete fitted;
+        }
+        EXPECT_EQ(outside, 0) << "tolerance " << tolerance << ": " << outside << " of " << anchors
+                              << " traced anchors, the worst " << worst << " px away";
+    }
+}
 
 TEST(CreateFromMask, FittedOutlinesFillBackToNearlyTheSamePixels) {
     C_Image mask;

@@ -61,6 +61,20 @@ TEST(C_SubPathSimplify, EveryAnchorStaysWithinTheToleranceOfTheFit) {
     }
 }
 
+TEST(C_SubPathSimplify, AnOutlineFoldingBackOnItselfStaysWithinTheTolerance) {
+    // Part of a traced outline that runs out along a one-pixel spur and back. Newton's step
+    // carries the parameter of (550, 239) to about -0.25, where the extension of a single
+    // cubic from (553, 239) to (551, 238) passes within 0.75 pixels of it while the segment
+    // itself stays 1.41 pixels away; measured at the extension, that one segment was accepted.
+    const std::vector<CPoint> spur = {{553, 239}, {553, 240}, {552, 241}, {553, 240}, {553, 239},
+                                      {553, 238}, {552, 237}, {551, 238}, {550, 239}, {551, 238}};
+    C_SubPath sub;
+    FillSubPath(&sub, spur);
+    sub.Simplify(1.0, 0, -1);
+    EXPECT_GT(sub.GetCount(), 2);
+    EXPECT_LE(WorstDeviation(sub, spur), 1.0 + 1e-3);
+}
+
 TEST(C_SubPathSimplify, SmallerToleranceKeepsMoreAnchors) {
     const std::vector<CPoint> stroke = NoisyStroke(800, 3, 7);
     C_SubPath fine;

@@ -11,10 +11,14 @@
 #include <vistrane/blend/image_luts.h>
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
+#include <vistrane/path/point_path.h>
+#include <vistrane/platform/font.h>
+#include <vistrane/platform/text.h>
 
 #include "commands.h"
 #include "demo_picture.h"
 #include "edit_options.h"
+#include "path_output.h"
 
 namespace vistrane::cli {
 namespace {
@@ -169,6 +173,48 @@ std::string WriteWarped(DemoContext& context) {
     return SaveInto(context, warped, "warped.png");
 }
 
+std::string WritePath(DemoContext& context, C_PointPath& path, const char* baseName) {
+    const std::string pathFile = (context.directory / (std::string(baseName) + ".path")).string();
+    const std::string svgFile = (context.directory / (std::string(baseName) + ".svg")).string();
+    std::string failure = WritePathFiles(path, pathFile, svgFile);
+    if (failure.empty()) {
+        context.written.push_back(pathFile);
+        context.written.push_back(svgFile);
+    }
+    return failure;
+}
+
+// The magic wand on the sky above the hills: the 4-connected pixels within 32 of the seed's
+// colour in each channel, traced at one pixel's tolerance.
+std::string TraceSkySelection(DemoContext& context) {
+    C_Image mask;
+    if (!mask.CreateMask(context.picture.Width(), context.picture.Height())) {
+        return "not enough memory";
+    }
+    const CPoint seed(context.picture.Width() / 8, context.picture.Height() / 12);
+    if (!mask.MaskFill(&context.picture, seed, COLOR_MATCH_RGB, 32, 255)) {
+        return "the sky cannot be selected";
+    }
+    C_PointPath path;
+    if (!path.CreateFromMask(&mask, CSize(), 1.0, 0)) {
+        return "the selection has no outline";
+    }
+    return WritePath(context, path, "sky");
+}
+
+std::string OutlineText(DemoContext& context) {
+    CFont font;
+    if (!font.CreateFont("sans-serif", 96)) {
+        return "no scalable font is installed (fontconfig finds no sans-serif face)";
+    }
+    CString text("Vistrane paths");
+    C_PointPath path;
+    if (!path.CreateFromText(text, &font, CPoint(40, 40), 0)) {
+        return "the text cannot be outlined";
+    }
+    return WritePath(context, path, "text");
+}
+
 constexpr DemoStep kDemoSteps[] = {
     {"render picture", RenderPicture},
     {"write picture.bmp", WritePictureBmp},
@@ -182,6 +228,8 @@ constexpr DemoStep kDemoSteps[] = {
     {"resample to a third", WriteResized},
     {"resample by 3/2", WriteEnlarged},
     {"warp onto four corners", WriteWarped},
+    {"trace the sky selection", TraceSkySelection},
+    {"outline a line of text", OutlineText},
     {"release blend tables", ReleaseBlendTables},
 };
 

@@ -27,6 +27,9 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kCropCommand,
     &vistrane::cli::kBorderCommand,
     &vistrane::cli::kWarpCommand,
+    &vistrane::cli::kTraceCommand,
+    &vistrane::cli::kTextCommand,
+    &vistrane::cli::kPathCommand,
     &vistrane::cli::kDemoCommand,
 };
 
