@@ -11,6 +11,10 @@ extern const Subcommand kInfoCommand;
 extern const Subcommand kConvertCommand;
 extern const Subcommand kResizeCommand;
 extern const Subcommand kRotateCommand;
+extern const Subcommand kSelectCommand;
+extern const Subcommand kMaskCommand;
+extern const Subcommand kShapeCommand;
+extern const Subcommand kBlitCommand;
 extern const Subcommand kDemoCommand;
 
 }  // namespace vistrane::cli

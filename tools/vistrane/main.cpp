@@ -15,11 +15,9 @@ namespace {
 using vistrane::cli::Subcommand;
 
 const Subcommand* const kSubcommands[] = {
-    &vistrane::cli::kInfoCommand,
-    &vistrane::cli::kConvertCommand,
-    &vistrane::cli::kResizeCommand,
-    &vistrane::cli::kRotateCommand,
-    &vistrane::cli::kDemoCommand,
+    &vistrane::cli::kInfoCommand,   &vistrane::cli::kConvertCommand, &vistrane::cli::kResizeCommand,
+    &vistrane::cli::kRotateCommand, &vistrane::cli::kSelectCommand,  &vistrane::cli::kMaskCommand,
+    &vistrane::cli::kShapeCommand,  &vistrane::cli::kBlitCommand,    &vistrane::cli::kDemoCommand,
 };
 
 void PrintToolHelp(std::FILE* out) {
