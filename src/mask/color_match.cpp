@@ -69,6 +69,9 @@ void MarkHue(unsigned char* accept, int hue, int tolerance) {
 void PrepareColorMatch(S_ColorMatchData* data, const BYTE* bgr, COLOR_MATCH_MODE mode,
                        int tolerance) {
     std::memset(data->m_Accept, 0, sizeof(data->m_Accept));
+    // Past a whole circle every rule below marks all or nothing, so the bound changes no result
+    // and keeps reference -/+ tolerance from overflowing.
+    tolerance = std::clamp(tolerance, -360, 360);
     const int blue = bgr[0];
     const int green = bgr[1];
     const int red = bgr[2];

@@ -4,14 +4,15 @@
 #include <vistrane/image/image.h>
 
 #include <algorithm>
-#include <vector>
 
 #include "image/pixel_view.h"
 #include "mask/color_match.h"
+#include "mask/fill_runs.h"
 #include "mask/mask_flood.h"
 
 using vistrane::image::AsConst;
 using vistrane::image::ViewOf;
+using vistrane::mask::FillStack;
 
 namespace {
 
@@ -25,10 +26,16 @@ bool CanFill(const C_Image& mask, const C_Image* source) {
 
 void C_Image::PrepareColorMatch(S_ColorMatchData* data, unsigned char* reference,
                                 COLOR_MATCH_MODE mode, int tolerance) {
+    if (data == nullptr || reference == nullptr) {
+        return;
+    }
     vistrane::mask::PrepareColorMatch(data, reference, mode, tolerance);
 }
 
 int C_Image::MatchTrueColor(unsigned char* pixel, S_ColorMatchData* data) {
+    if (pixel == nullptr || data == nullptr) {
+        return 0;
+    }
     return vistrane::mask::MatchColor(pixel, *data) ? 1 : 0;
 }
 
@@ -44,9 +51,16 @@ int C_Image::MaskFill(C_Image* source, CPoint seed, COLOR_MATCH_MODE mode, int t
     S_ColorMatchData data;
     vistrane::mask::PrepareColorMatch(&data, vistrane::mask::ColorAt(from, seed.x, seed.y), mode,
                                       tolerance);
+    const vistrane::mask::RowTest test = vistrane::mask::ChooseRowTest(data, from);
+    vistrane::mask::FillStack stack;
+    if (!stack.Allocate(FillStack::CapacityFor(mask.width, mask.height))) {
+        return 0;
+    }
     ZeroBitmapBytes();
     mask.Row(seed.y)[seed.x] = value;
-    vistrane::mask::SpanFill(mask, from, data, {seed}, value);
+    if (value != 0) {
+        vistrane::mask::RunFill(mask, from, test, value, stack, &seed);
+    }
     return 1;
 }
 
@@ -59,19 +73,23 @@ int C_Image::MaskGrowMasked(C_Image* source, COLOR_MATCH_MODE mode, int toleranc
     const vistrane::image::ConstPixelView from = AsConst(ViewOf(*source));
     const vistrane::mask::SelectionEdge edge =
         vistrane::mask::FindSelectionEdge(AsConst(mask), from);
-    if (edge.boundary.empty()) {
+    if (edge.boundaryCount == 0) {
         return 1;
     }
-    const auto boundaryCount = static_cast<long long>(edge.boundary.size());
     const BYTE fillValue =
-        static_cast<BYTE>(std::max<long long>(edge.boundaryOpacitySum / boundaryCount, 1));
+        static_cast<BYTE>(std::max<long long>(edge.boundaryOpacitySum / edge.boundaryCount, 1));
     BYTE reference[3] = {0, 0, 0};
     for (int c = 0; c < 3; ++c) {
         reference[c] = static_cast<BYTE>(edge.colorSum[c] / edge.selectedCount);
     }
     S_ColorMatchData data;
     vistrane::mask::PrepareColorMatch(&data, reference, mode, tolerance);
-    vistrane::mask::SpanFill(mask, from, data, edge.boundary, fillValue);
+    const vistrane::mask::RowTest test = vistrane::mask::ChooseRowTest(data, from);
+    vistrane::mask::FillStack stack;
+    if (!stack.Allocate(FillStack::CapacityFor(mask.width, mask.height))) {
+        return 0;
+    }
+    vistrane::mask::RunFill(mask, from, test, fillValue, stack, nullptr);
     return 1;
 }
 
@@ -92,7 +110,17 @@ void C_Image::MaskAlikePixelsOnMask(C_Image* mask, unsigned long colour, unsigne
 void C_Image::MaskExpandColorMatching(S_TwoPointers* queue, long nSeeds, long capacity,
                                       C_Image* source, C_SimpleImage* work, S_ColorMatchData* data,
                                       unsigned char value) {
+    if (queue == nullptr || work == nullptr || data == nullptr || !CanFill(*this, source) ||
+        !work->HasImage() || nSeeds < 0 || capacity < static_cast<long>(Width()) * Height() ||
+        nSeeds > capacity) {
+        return;
+    }
     GdiFlush();
-    vistrane::mask::ExpandGenerations(queue, nSeeds, capacity, ViewOf(*this),
-                                      AsConst(ViewOf(*source)), ViewOf(*work), *data, value);
+    const vistrane::image::PixelView mask = ViewOf(*this);
+    const vistrane::image::PixelView workView = ViewOf(*work);
+    if (!vistrane::mask::ExpansionFits(queue, nSeeds, mask, workView)) {
+        return;
+    }
+    vistrane::mask::ExpandGenerations(queue, nSeeds, capacity, mask, AsConst(ViewOf(*source)),
+                                      workView, *data, value);
 }

@@ -6,35 +6,68 @@
 // reached pixel is told from a candidate only by its byte.
 //
 // Two engines give the same bytes:
-// - SpanFill, behind MaskFill and MaskGrowMasked: a scanline fill (Heckbert's seed-run form,
-//   Graphics Gems I, 1990). It tests only the pixels on and next to the region, walks runs along
-//   rows, and keeps a stack of run starts; its memory is that stack, a few bytes per row of the
-//   region's outline rather than per pixel. Cost: about three colour tests per pixel next to or
-//   inside the region.
+// - RunFill, behind MaskFill and MaskGrowMasked: a scanline fill over runs (Heckbert's form,
+//   Graphics Gems I, 1990, with Fishkin and Barsky's skip of the parent run, 1985). A run is filled
+//   as soon as it is found and kept on a stack until the rows above and below it have been searched
+//   for open pixels; the row test (fill_runs.h) finds runs 32 pixels at a time. It reads only the
+//   region and its rim: each pixel's colour is tested once from each side the region reaches it
+//   on, about two row tests per region pixel. Its memory is a fixed stack taken before the mask
+//   is touched (FillStack), at most 2 bytes per pixel; when the stack is full, runs are dropped
+//   and found again by rescanning the mask for selected pixels with an open neighbour, so the
+//   result never depends on the stack's size.
 // - ExpandGenerations, behind MaskExpandColorMatching: the generational flood over a bordered
 //   work map and one queue of width x height entries, its generations at the queue's two ends.
-//   It tests every pixel once up front. It defines the behaviour; tests hold SpanFill to it.
+//   It tests every pixel once up front. It defines the behaviour; tests hold RunFill to it.
 
-#include <vector>
+#include <cstddef>
+#include <memory>
 
 #include <vistrane/mask/color_match.h>
 #include <vistrane/mask/fill_queue.h>
 #include <vistrane/platform/geometry.h>
 
 #include "image/pixel_view.h"
+#include "mask/fill_runs.h"
 
 namespace vistrane::mask {
 
-// Fills from the seeds (which must be selected already or be set by the caller): every
-// candidate 4-neighbour of a seed starts a run. Mask and source have the same size.
-void SpanFill(const image::PixelView& mask, const image::ConstPixelView& source,
-              const S_ColorMatchData& data, const std::vector<CPoint>& seeds, BYTE value);
+// A filled run of row y, left..right inclusive, whose neighbours may still be open. A run
+// found from the row y - direction (its parent) skips the parent's parentLeft..parentRight
+// there, all filled; direction 0 means no parent and that the run may have open pixels beside
+// it in its own row.
+struct PendingRun {
+    int y;
+    int left;
+    int right;
+    int parentLeft;
+    int parentRight;
+    int direction;
+};
 
-// The selected pixels with an unselected or outside 4-neighbour, their opacity sum, and the sum
-// of the colours of all selected pixels.
+class FillStack {
+  public:
+    // The capacity for a width x height mask: 2 bytes a pixel, at least 1024 runs.
+    static std::size_t CapacityFor(int width, int height);
+    // False when the memory cannot be had.
+    [[nodiscard]] bool Allocate(std::size_t capacity);
+
+  private:
+    friend class RunFiller;
+    std::unique_ptr<PendingRun[]> m_Runs;
+    std::size_t m_Capacity = 0;
+};
+
+// Fills from `seed` (already set to `value` by the caller), or, without a seed, from every
+// selected pixel with an open neighbour. Mask and source have the same size; `value` is
+// non-zero; `stack` is allocated.
+void RunFill(const image::PixelView& mask, const image::ConstPixelView& source, const RowTest& test,
+             BYTE value, FillStack& stack, const CPoint* seed);
+
+// The opacity sum and count of the selected pixels with an unselected or outside 4-neighbour,
+// and the sum of the colours of all selected pixels.
 struct SelectionEdge {
-    std::vector<CPoint> boundary;
     long long boundaryOpacitySum = 0;
+    long long boundaryCount = 0;
     long long colorSum[3] = {0, 0, 0};  // blue, green, red
     long long selectedCount = 0;
 };
@@ -46,6 +79,12 @@ SelectionEdge FindSelectionEdge(const image::ConstPixelView& mask,
 void ExpandGenerations(S_TwoPointers* queue, long nSeeds, long capacity,
                        const image::PixelView& mask, const image::ConstPixelView& source,
                        const image::PixelView& work, const S_ColorMatchData& data, BYTE value);
+
+// Whether the generational flood may run on these arguments without reaching outside them:
+// `work` is the mask's size plus a frame of zeros, and each seed points at the same pixel of
+// the work map's interior and of the mask.
+bool ExpansionFits(const S_TwoPointers* queue, long nSeeds, const image::PixelView& mask,
+                   const image::PixelView& work);
 
 // Every mask pixel whose source colour matches becomes matchValue; the others otherValue when
 // writeOthers, else stay.

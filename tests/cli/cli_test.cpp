@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
 #include <iterator>
 #include <string>
 
@@ -12,52 +8,17 @@
 #include <vistrane/io/image_file.h>
 #include <vistrane/version.h>
 
-#include "io/scratch_file.h"
+#include "cli/cli_support.h"
 #include "support/image_support.h"
 
 namespace vistrane {
 namespace {
 
-struct ToolRun {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
-
-std::string ReadText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-// Runs the built tool with `arguments` (already quoted for the shell).
-ToolRun Vistrane(const std::string& arguments) {
-    const std::string out = test::ScratchPath("cli_stdout.txt");
-    const std::string err = test::ScratchPath("cli_stderr.txt");
-    const std::string command =
-        std::string("'") + VISTRANE_CLI_PATH + "' " + arguments + " >'" + out + "' 2>'" + err + "'";
-    const int status = std::system(command.c_str());
-    ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(out), ReadText(err)};
-    std::remove(out.c_str());
-    std::remove(err.c_str());
-    return run;
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-class CliTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        m_Directory =
-            test::ScratchPath(::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(m_Directory);
-    }
-    void TearDown() override { std::filesystem::remove_all(m_Directory); }
-    std::string Path(const std::string& name) const { return m_Directory + "/" + name; }
-
-    std::string m_Directory;
-};
+using test::CliTest;
+using test::Contains;
+using test::ReadText;
+using test::ToolRun;
+using test::Vistrane;
 
 TEST_F(CliTest, VersionAndHelp) {
     const ToolRun version = Vistrane("--version");
@@ -66,8 +27,8 @@ TEST_F(CliTest, VersionAndHelp) {
 
     const ToolRun help = Vistrane("--help");
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* command :
-         {"info", "convert", "crop", "border", "warp", "demo", "trace", "text", "path"}) {
+    for (const char* command : {"info", "convert", "crop", "border", "warp", "demo", "trace",
+                                "text", "path", "select", "mask", "shape", "blit"}) {
         EXPECT_TRUE(Contains(help.out, command)) << command;
         const ToolRun commandHelp = Vistrane(std::string(command) + " --help");
         EXPECT_EQ(commandHelp.exitCode, 0) << command;

@@ -26,6 +26,7 @@ namespace {
 struct DemoContext {
     std::filesystem::path directory;
     C_Image picture;
+    C_Image wandMask;
     std::vector<std::string> written;
 };
 
@@ -215,6 +216,51 @@ std::string OutlineText(DemoContext& context) {
     return WritePath(context, path, "text");
 }
 
+// The magic wand clicked in the open sky between the clouds: the tolerance spans the sky's
+// gradient, the clouds, the sun, the balloons and the hills stay out.
+std::string SelectSky(DemoContext& context) {
+    C_Image& mask = context.wandMask;
+    if (!mask.CreateMask(context.picture.Width(), context.picture.Height()) ||
+        !mask.MaskFill(&context.picture, CPoint(700, 350), COLOR_MATCH_RGB, 48, 255)) {
+        return "not enough memory";
+    }
+    return SaveInto(context, mask, "wand-mask.png");
+}
+
+// The selection shown on the picture: selected pixels halfway to magenta.
+std::string ShowSelection(DemoContext& context) {
+    C_Image shown;
+    if (!shown.Clone(&context.picture)) {
+        return "not enough memory";
+    }
+    for (long y = 0; y < shown.Height(); ++y) {
+        BYTE* pixel = shown.PixelPtr(0, y);
+        const BYTE* selected = context.wandMask.PixelPtr(0, y);
+        for (long x = 0; x < shown.Width(); ++x, pixel += 3) {
+            if (selected[x] != 0) {
+                pixel[0] = static_cast<BYTE>((pixel[0] + 255) / 2);
+                pixel[1] = static_cast<BYTE>(pixel[1] / 2);
+                pixel[2] = static_cast<BYTE>((pixel[2] + 255) / 2);
+            }
+        }
+    }
+    return SaveInto(context, shown, "wand-selection.png");
+}
+
+std::string PaintShapes(DemoContext& context) {
+    C_Image painted;
+    if (!painted.Clone(&context.picture)) {
+        return "not enough memory";
+    }
+    painted.SetForeTrueColor(RGB(200, 30, 40));
+    painted.PaintRectangle(CRect(100, 700, 500, 1000), PAINT_COLORS_FORE, 8, 0, 0);
+    painted.SetForeTrueColor(RGB(30, 90, 200));
+    painted.PaintRoundRect(CRect(600, 750, 1000, 1050), PAINT_COLORS_FORE, 1, 1, 0);
+    painted.SetForeTrueColor(RGB(250, 220, 40));
+    painted.PaintEllipse(CRect(1100, 650, 1500, 1100), PAINT_COLORS_FORE, 14, 0, 0);
+    return SaveInto(context, painted, "shapes.png");
+}
+
 constexpr DemoStep kDemoSteps[] = {
     {"render picture", RenderPicture},
     {"write picture.bmp", WritePictureBmp},
@@ -230,6 +276,9 @@ constexpr DemoStep kDemoSteps[] = {
     {"warp onto four corners", WriteWarped},
     {"trace the sky selection", TraceSkySelection},
     {"outline a line of text", OutlineText},
+    {"magic wand on the sky", SelectSky},
+    {"show the selection", ShowSelection},
+    {"paint shapes", PaintShapes},
     {"release blend tables", ReleaseBlendTables},
 };
 

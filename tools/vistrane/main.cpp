@@ -30,6 +30,10 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kTraceCommand,
     &vistrane::cli::kTextCommand,
     &vistrane::cli::kPathCommand,
+    &vistrane::cli::kSelectCommand,
+    &vistrane::cli::kMaskCommand,
+    &vistrane::cli::kShapeCommand,
+    &vistrane::cli::kBlitCommand,
     &vistrane::cli::kDemoCommand,
 };
 

@@ -351,7 +351,9 @@ class VISTRANE_API C_Image : public CObject {
     // On a mask: the generational flood for callers that bring their own queue. The first
     // nSeeds entries hold the seeds; `work` is a (width + 2) x (height + 2) 1-byte buffer whose
     // frame is zero and whose interior is zero at every unselected pixel; the queue holds
-    // `capacity` (at least width x height) entries. Unchecked, as its callers check.
+    // `capacity` (at least width x height) entries. Nothing is done when the source's size, the
+    // work map's size or frame, the capacity, or a seed (not the same interior pixel of work
+    // map and mask) would let the flood reach outside these buffers.
     void MaskExpandColorMatching(S_TwoPointers* queue, long nSeeds, long capacity, C_Image* source,
                                  C_SimpleImage* work, S_ColorMatchData* data, unsigned char value);
 
