@@ -13,11 +13,18 @@
 // and stores null on failure.
 VISTRANE_API HANDLE CreateSharedSection(DWORD bytes, void** view);
 
-// Unmaps the section's view and closes it. Returns 0 for a handle that is not open.
+// Closes the section; returns 0 for a handle that is not open. The handle is never valid
+// again. A few large sections are kept mapped after closing and handed, cleared, to the next
+// request of exactly their size, because clearing costs far less than populating new pages;
+// a section whose descriptor was asked for is always unmapped and closed at once.
 VISTRANE_API BOOL CloseSharedSection(HANDLE section);
 
+// Unmaps and closes the sections kept for reuse, for a host that wants the memory back now.
+VISTRANE_API void ReleaseRecycledSections();
+
 // The mapped view, size in bytes and file descriptor of an open section: null, 0 and -1 for a
-// handle that is not open (and -1 for an anonymous mapping, which has no descriptor).
+// handle that is not open (and -1 for an anonymous mapping, which has no descriptor). Asking
+// for the descriptor marks the section as shared with someone else, so it is not reused.
 VISTRANE_API void* SectionView(HANDLE section);
 VISTRANE_API DWORD SectionSize(HANDLE section);
 VISTRANE_API int SectionFileDescriptor(HANDLE section);
