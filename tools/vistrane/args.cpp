@@ -33,17 +33,17 @@ bool ParseArgs(std::span<char* const> arguments, std::span<const OptionSpec> opt
         }
         const std::size_t equals = argument.find('=');
         const std::string_view name = argument.substr(2, equals - 2);
-        const OptionSpec* spec = nullptr;
+        const OptionSpec* declared = nullptr;
         for (const OptionSpec& candidate : options) {
             if (name == candidate.name) {
-                spec = &candidate;
+                declared = &candidate;
             }
         }
-        if (spec == nullptr) {
+        if (declared == nullptr) {
             error = "unknown option '--" + std::string(name) + "'";
             return false;
         }
-        if (spec->valueName == nullptr) {
+        if (declared->valueName == nullptr) {
             if (equals != std::string_view::npos) {
                 error = "option '--" + std::string(name) + "' takes no value";
                 return false;
@@ -54,7 +54,7 @@ bool ParseArgs(std::span<char* const> arguments, std::span<const OptionSpec> opt
         } else if (i + 1 < arguments.size()) {
             parsed.m_Options[std::string(name)] = arguments[++i];
         } else {
-            error = "option '--" + std::string(name) + "' needs a value (" + spec->valueName + ")";
+            error = "option '--" + std::string(name) + "' needs a value (" + declared->valueName + ")";
             return false;
         }
     }
