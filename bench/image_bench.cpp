@@ -2,33 +2,20 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdint>
 #include <vector>
 
 #include <vistrane/image/image.h>
 #include <vistrane/platform/archive.h>
 #include <vistrane/platform/file.h>
 
-#include "image/pixel_view.h"
+#include "bench_support.h"
 
 namespace {
 
-constexpr long kWidth = 4096;
-constexpr long kHeight = 3072;
-
-void FillPhotoLike(C_Image& image) {
-    const vistrane::image::PixelView view = vistrane::image::ViewOf(image);
-    std::uint32_t state = 12345;
-    for (int y = 0; y < view.height; ++y) {
-        BYTE* row = view.Row(y);
-        for (int x = 0; x < view.width; ++x) {
-            state = state * 1664525u + 1013904223u;
-            row[3 * x] = static_cast<BYTE>(x / 16 + (state >> 29));
-            row[3 * x + 1] = static_cast<BYTE>(y / 12 + (state >> 30));
-            row[3 * x + 2] = static_cast<BYTE>((x + y) / 28);
-        }
-    }
-}
+using vistrane::bench::FillPhotoLike;
+using vistrane::bench::kHeight;
+using vistrane::bench::kWidth;
+using vistrane::bench::SetPixelRate;
 
 C_Image& Picture() {
     static C_Image* picture = [] {
@@ -39,11 +26,6 @@ C_Image& Picture() {
         return image;
     }();
     return *picture;
-}
-
-void SetPixelRate(benchmark::State& state) {
-    state.counters["Mpix/s"] = benchmark::Counter(static_cast<double>(kWidth * kHeight) / 1e6,
-                                                  benchmark::Counter::kIsIterationInvariantRate);
 }
 
 void BM_ImageBmpWriteToMemory(benchmark::State& state) {

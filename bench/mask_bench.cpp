@@ -14,27 +14,14 @@
 #include <vistrane/io/image_file.h>
 #include <vistrane/platform/dc.h>
 
-#include "image/pixel_view.h"
+#include "bench_support.h"
 
 namespace {
 
-constexpr long kWidth = 4096;
-constexpr long kHeight = 3072;
-constexpr double kPixels = static_cast<double>(kWidth) * kHeight;
-
-void FillPhotoLike(C_Image& image) {
-    const vistrane::image::PixelView view = vistrane::image::ViewOf(image);
-    std::uint32_t state = 12345;
-    for (int y = 0; y < view.height; ++y) {
-        BYTE* row = view.Row(y);
-        for (int x = 0; x < view.width; ++x) {
-            state = state * 1664525u + 1013904223u;
-            row[3 * x] = static_cast<BYTE>(x / 16 + (state >> 29));
-            row[3 * x + 1] = static_cast<BYTE>(y / 12 + (state >> 30));
-            row[3 * x + 2] = static_cast<BYTE>((x + y) / 28);
-        }
-    }
-}
+using vistrane::bench::FillPhotoLike;
+using vistrane::bench::kHeight;
+using vistrane::bench::kPixels;
+using vistrane::bench::kWidth;
 
 C_Image& Photo() {
     static C_Image photo;

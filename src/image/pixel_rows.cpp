@@ -20,6 +20,12 @@ void FillPixels(const PixelView& view, const BYTE* pixel) {
     }
 }
 
+void CopyRowBytes(const PixelView& from, const PixelView& to) {
+    for (int y = 0; y < to.height; ++y) {
+        std::memcpy(to.Row(y), from.Row(y), static_cast<size_t>(to.RowBytes()));
+    }
+}
+
 void ClampIndices(const PixelView& view, BYTE maxIndex) {
     for (int y = 0; y < view.height; ++y) {
         BYTE* row = view.Row(y);

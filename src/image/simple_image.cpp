@@ -6,6 +6,7 @@
 #include <vistrane/image/image.h>
 
 #include "image/image_size.h"
+#include "image/pixel_rows.h"
 #include "image/pixel_view.h"
 
 using vistrane::image::PixelView;
@@ -166,11 +167,7 @@ int C_SimpleImage::Clone(C_Image* src) {
     }
     const int created = Create(src->Width(), src->Height(), src->IsTrueColor());
     if (created) {
-        const PixelView from = ViewOf(*src);
-        const PixelView to = ViewOf(*this);
-        for (int y = 0; y < to.height; ++y) {
-            std::memcpy(to.Row(y), from.Row(y), static_cast<size_t>(to.RowBytes()));
-        }
+        vistrane::image::CopyRowBytes(ViewOf(*src), ViewOf(*this));
     }
     return created;
 }
@@ -183,11 +180,7 @@ int C_SimpleImage::Clone(C_SimpleImage* src) {
     // width bytes of each of its rows.
     const int created = Create(src->Width(), src->Height(), src->IsTrueColor());
     if (created) {
-        const PixelView from = ViewOf(*src);
-        const PixelView to = ViewOf(*this);
-        for (int y = 0; y < to.height; ++y) {
-            std::memcpy(to.Row(y), from.Row(y), static_cast<size_t>(to.RowBytes()));
-        }
+        vistrane::image::CopyRowBytes(ViewOf(*src), ViewOf(*this));
     }
     return created;
 }
