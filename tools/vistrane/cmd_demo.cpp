@@ -16,6 +16,7 @@
 #include <vistrane/platform/text.h>
 
 #include "commands.h"
+#include "contact_sheet.h"
 #include "demo_picture.h"
 #include "edit_options.h"
 #include "path_output.h"
@@ -261,6 +262,13 @@ std::string PaintShapes(DemoContext& context) {
     return SaveInto(context, painted, "shapes.png");
 }
 
+std::string WriteContactSheet(DemoContext& context) {
+    C_Image sheet;
+    const std::vector<std::string> shown = context.written;
+    const std::string failure = MakeContactSheet(shown, sheet);
+    return failure.empty() ? SaveInto(context, sheet, "contact-sheet.png") : failure;
+}
+
 constexpr DemoStep kDemoSteps[] = {
     {"render picture", RenderPicture},
     {"write picture.bmp", WritePictureBmp},
@@ -280,6 +288,7 @@ constexpr DemoStep kDemoSteps[] = {
     {"show the selection", ShowSelection},
     {"paint shapes", PaintShapes},
     {"release blend tables", ReleaseBlendTables},
+    {"contact sheet", WriteContactSheet},
 };
 
 int RunDemo(const Subcommand& command, const ParsedArgs& args) {
