@@ -302,6 +302,58 @@ TEST_F(FreeXFormFrame, ModifierPressedMidDragChangesTheOperationNotTheHandle) {
     EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(110, 100));
 }
 
+TEST_F(FreeXFormFrame, ShiftAndCtrlPressedMidDragTurnAStretchIntoASkewAndBack) {
+    S_FXFHitTestDescription d;
+    m_Frame.MouseButtonDown(CPoint(200, 220), &d);
+    m_Frame.MouseMove(CPoint(215, 250), &d);
+    EXPECT_EQ(d.m_Operation, FXF_OP_MidPoint);
+    EXPECT_EQ(d.m_Orientation, FXF_MO_Vertical);
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {300, 250}, {100, 250}}}));
+
+    // (15, 30) projected onto the bottom edge is (15, 0): the edge slides along itself.
+    SetKeys(true, true, false);
+    m_Frame.MouseMove(CPoint(215, 250), &d);
+    EXPECT_EQ(d.m_Operation, FXF_OP_MidPointAlong);
+    EXPECT_EQ(d.m_Orientation, FXF_MO_Horizontal) << "the cursor runs along the edge";
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {315, 220}, {115, 220}}}));
+
+    SetKeys(false, false, false);
+    m_Frame.MouseMove(CPoint(215, 250), &d);
+    m_Frame.MouseButtonUp(CPoint(215, 250));
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {300, 250}, {100, 250}}}));
+    m_Frame.Undo();
+    EXPECT_EQ(CornersOf(m_Frame), (Corners{{{100, 100}, {300, 100}, {300, 220}, {100, 220}}}))
+        << "the whole drag is one step";
+}
+
+TEST_F(FreeXFormFrame, ShiftPressedMidRotateSnapsAsIfHeldThroughout) {
+    C_FreeXFormFrame free(kRect);
+    free.MouseButtonDown(CPoint(400, 160), nullptr);
+    free.MouseMove(CPoint(400, 195), nullptr);
+    free.MouseButtonUp(CPoint(400, 195));
+    SetKeys(true, false, false);
+    C_FreeXFormFrame snapped(kRect);
+    snapped.MouseButtonDown(CPoint(400, 160), nullptr);
+    snapped.MouseMove(CPoint(400, 195), nullptr);
+    snapped.MouseButtonUp(CPoint(400, 195));
+    SetKeys(false, false, false);
+    ASSERT_NE(CornersOf(free), CornersOf(snapped));
+
+    S_FXFHitTestDescription d;
+    m_Frame.MouseButtonDown(CPoint(400, 160), &d);
+    m_Frame.MouseMove(CPoint(400, 195), &d);
+    EXPECT_EQ(CornersOf(m_Frame), CornersOf(free));
+    SetKeys(true, false, false);
+    m_Frame.MouseMove(CPoint(400, 195), &d);
+    EXPECT_EQ(d.m_Operation, FXF_OP_FrameRotate15);
+    EXPECT_EQ(CornersOf(m_Frame), CornersOf(snapped));
+    SetKeys(false, false, false);
+    m_Frame.MouseMove(CPoint(400, 195), &d);
+    EXPECT_EQ(d.m_Operation, FXF_OP_FrameRotate);
+    EXPECT_EQ(CornersOf(m_Frame), CornersOf(free));
+    m_Frame.MouseButtonUp(CPoint(400, 195));
+}
+
 TEST_F(FreeXFormFrame, MoveFollowsThePointerOrFortyFiveDegreeSteps) {
     Drag({150, 130}, {180, 150});
     EXPECT_EQ(CornersOf(m_Frame), (Corners{{{130, 120}, {330, 120}, {330, 240}, {130, 240}}}));
@@ -401,6 +453,52 @@ TEST_F(FreeXFormFrame, CentreIsCaughtAndFollowsWhereItWasDropped) {
     SetKeys(true, false, false);
     Drag({210, 165}, {400, 170});
     EXPECT_EQ(m_Frame.CenterPoint(), CPoint(400, 160));
+}
+
+TEST_F(FreeXFormFrame, CentreDroppedOnAMidPointOrCornerFollowsItThroughEdits) {
+    // (290, 150) is 90 px from the central position and 50.9 from corner 2, but 14 from the
+    // right mid-point (300, 160): it is caught there.
+    Drag({200, 160}, {290, 150});
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(300, 160));
+    EXPECT_EQ(m_Frame.GetCenterPosition(), FXF_RightMid);
+    // The bottom edge moved down by 30 takes the right mid-point to (300, 175).
+    Drag({200, 220}, {200, 250});
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(300, 175));
+    EXPECT_EQ(m_Frame.GetCenterPosition(), FXF_RightMid);
+
+    // On corner 6, a symmetric drag of corner 0 moves corner 4 the opposite way and corner 6
+    // follows both: the centre goes along.
+    m_Frame.Init(kRect);
+    Drag({200, 160}, {110, 210});
+    EXPECT_EQ(m_Frame.GetCenterPosition(), FXF_BottomLeft);
+    SetKeys(false, false, true);
+    Drag({100, 100}, {90, 80});
+    SetKeys(false, false, false);
+    EXPECT_EQ(m_Frame.CenterPoint(), PointOf(m_Frame, FXF_BottomLeft));
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(90, 240));
+    m_Frame.Undo();
+    EXPECT_EQ(m_Frame.CenterPoint(), CPoint(100, 220)) << "the centre comes back with the step";
+}
+
+TEST_F(FreeXFormFrame, NumericEntriesShareTheHistoryOfDrags) {
+    FXF_NumericParams params;
+    params.m_UseTranslation = 1;
+    for (int step = 1; step <= 33; ++step) {
+        params.m_TranslateX = step;
+        m_Frame.SetNumericParams(&params);
+    }
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(133, 100));
+    m_Frame.UndoRedoOp(MODAL_UndoAll);
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(101, 100)) << "33 entries keep the newest 32";
+    m_Frame.UndoRedoOp(MODAL_Redo);
+    EXPECT_EQ(m_Frame.CanRedo(), 1);
+    m_Frame.SetNumericParams(&params);
+    EXPECT_EQ(m_Frame.CanRedo(), 0) << "a new entry clears redo";
+    m_Frame.Undo();
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(102, 100));
+    Drag({150, 130}, {150, 140});
+    EXPECT_EQ(m_Frame.CanRedo(), 0) << "and so does a drag";
+    EXPECT_EQ(CornersOf(m_Frame)[0], CPoint(102, 110));
 }
 
 TEST_F(FreeXFormFrame, MouseEventsWithoutAPressChangeNothing) {

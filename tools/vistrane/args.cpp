@@ -43,20 +43,22 @@ bool ParseArgs(std::span<char* const> arguments, std::span<const OptionSpec> opt
             error = "unknown option '--" + std::string(name) + "'";
             return false;
         }
+        std::string value;
         if (declared->valueName == nullptr) {
             if (equals != std::string_view::npos) {
                 error = "option '--" + std::string(name) + "' takes no value";
                 return false;
             }
-            parsed.m_Options[std::string(name)];
         } else if (equals != std::string_view::npos) {
-            parsed.m_Options[std::string(name)] = std::string(argument.substr(equals + 1));
+            value = argument.substr(equals + 1);
         } else if (i + 1 < arguments.size()) {
-            parsed.m_Options[std::string(name)] = arguments[++i];
+            value = arguments[++i];
         } else {
             error = "option '--" + std::string(name) + "' needs a value (" + declared->valueName + ")";
             return false;
         }
+        parsed.m_Options[std::string(name)] = value;
+        parsed.m_Occurrences.emplace_back(name, std::move(value));
     }
     return true;
 }

@@ -6,11 +6,14 @@
 // Options are long GNU-style options: `--name` for a flag, `--name VALUE` or `--name=VALUE`
 // for one that takes a value; `-h` and `--help` ask for help; `--` ends the options so that a
 // file name may start with a dash. Anything else that starts with a dash is a usage error.
+// An option may be given more than once: Value answers with the last one, and Occurrences keeps
+// every one in command-line order for subcommands that read a script of steps.
 
 #include <map>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vistrane::cli {
@@ -32,6 +35,10 @@ class ParsedArgs {
     bool Has(std::string_view option) const { return m_Options.find(option) != m_Options.end(); }
     // The value given to an option, or `fallback` when it was not given.
     std::string Value(std::string_view option, const std::string& fallback = {}) const;
+    // Every option given, as (name, value) in command-line order; a flag's value is empty.
+    const std::vector<std::pair<std::string, std::string>>& Occurrences() const {
+        return m_Occurrences;
+    }
 
   private:
     friend bool ParseArgs(std::span<char* const>, std::span<const OptionSpec>, ParsedArgs&,
@@ -40,6 +47,7 @@ class ParsedArgs {
     bool m_Help = false;
     std::vector<std::string> m_Positionals;
     std::map<std::string, std::string, std::less<>> m_Options;
+    std::vector<std::pair<std::string, std::string>> m_Occurrences;
 };
 
 struct Subcommand;

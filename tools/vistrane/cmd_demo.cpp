@@ -19,6 +19,7 @@
 #include "contact_sheet.h"
 #include "demo_picture.h"
 #include "edit_options.h"
+#include "frame_output.h"
 #include "path_output.h"
 
 namespace vistrane::cli {
@@ -262,10 +263,46 @@ std::string PaintShapes(DemoContext& context) {
     return SaveInto(context, painted, "shapes.png");
 }
 
+// An oval selection skewed and turned as a user would do it, by dragging the free transform
+// frame: SHIFT + CTRL on the bottom mid-point slides the bottom edge, then a drag outside the
+// frame with SHIFT turns it in 15-degree steps.
+std::string TransformSelection(DemoContext& context) {
+    C_Image mask;
+    if (!mask.CreateMask(context.picture.Width(), context.picture.Height()) ||
+        !mask.MaskOval(CRect(500, 350, 1000, 750), 255)) {
+        return "not enough memory";
+    }
+    CRect bounds;
+    if (!SelectionBounds(mask, bounds)) {
+        return "the oval selects nothing";
+    }
+    C_FreeXFormFrame frame(bounds);
+    const CPoint bottomMid((bounds.left + bounds.right) / 2, bounds.bottom);
+    RunDrag(frame,
+            {{bottomMid, true, true, false}, {bottomMid + CPoint(120, 0), true, true, false}});
+    // From the right of the frame, about 20 degrees clockwise round the centre: 15 with SHIFT.
+    const CPoint centre = frame.CenterPoint();
+    RunDrag(frame, {{centre + CPoint(340, 0), true, false, false},
+                    {centre + CPoint(320, 116), true, false, false}});
+    C_Image result;
+    C_Image resultMask;
+    const std::string failure =
+        ConfirmFrame(frame, context.picture, mask, bounds, ConfirmOptions(), result, resultMask);
+    if (!failure.empty()) {
+        return failure;
+    }
+    if (std::string saved = SaveInto(context, result, "xform.png"); !saved.empty()) {
+        return saved;
+    }
+    if (!DrawFrame(frame, result, RGB(255, 0, 255))) {
+        return "cannot draw the frame";
+    }
+    return SaveInto(context, result, "xform-overlay.png");
+}
+
 std::string WriteContactSheet(DemoContext& context) {
     C_Image sheet;
-    const std::vector<std::string> shown = context.written;
-    const std::string failure = MakeContactSheet(shown, sheet);
+    const std::string failure = MakeContactSheet(context.written, sheet);
     return failure.empty() ? SaveInto(context, sheet, "contact-sheet.png") : failure;
 }
 
@@ -287,6 +324,7 @@ constexpr DemoStep kDemoSteps[] = {
     {"magic wand on the sky", SelectSky},
     {"show the selection", ShowSelection},
     {"paint shapes", PaintShapes},
+    {"free transform a selection", TransformSelection},
     {"release blend tables", ReleaseBlendTables},
     {"contact sheet", WriteContactSheet},
 };

@@ -14,6 +14,7 @@ extern const Subcommand kRotateCommand;
 extern const Subcommand kCropCommand;
 extern const Subcommand kBorderCommand;
 extern const Subcommand kWarpCommand;
+extern const Subcommand kXFormCommand;
 extern const Subcommand kTraceCommand;
 extern const Subcommand kTextCommand;
 extern const Subcommand kPathCommand;

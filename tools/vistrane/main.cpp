@@ -27,6 +27,7 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kCropCommand,
     &vistrane::cli::kBorderCommand,
     &vistrane::cli::kWarpCommand,
+    &vistrane::cli::kXFormCommand,
     &vistrane::cli::kTraceCommand,
     &vistrane::cli::kTextCommand,
     &vistrane::cli::kPathCommand,
