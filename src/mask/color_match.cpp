@@ -1,37 +1,24 @@
 #include "mask/color_match.h"
 
+#include <vistrane/companion/helper.h>
+
 #include <algorithm>
 #include <cstring>
 
 namespace vistrane::mask {
 
-int HueDegrees(BYTE red, BYTE green, BYTE blue) {
-    const int maxC = std::max({red, green, blue});
-    const int minC = std::min({red, green, blue});
-    const int delta = maxC - minC;
-    if (delta == 0) {
-        return 0;
-    }
-    // Sixty degrees per sector; the offset within the sector is rounded half up by adding half
-    // the divisor before a floor division (the numerator may be negative).
-    int base = 0;
-    int numerator = 0;
-    if (maxC == red) {
-        numerator = green - blue;
-    } else if (maxC == green) {
-        base = 120;
-        numerator = blue - red;
-    } else {
-        base = 240;
-        numerator = red - green;
-    }
-    const int scaled = 120 * numerator + delta;
-    const int divisor = 2 * delta;
-    const int offset = scaled >= 0 ? scaled / divisor : -((-scaled + divisor - 1) / divisor);
-    return (base + offset + 360) % 360;
-}
-
 namespace {
+
+// The companion's HSV hue, so that colour matching agrees with every other hue of the engine
+// (the HSV shift, sorting colours by hue). It lies in 0..359 for every colour, greys included
+// (they report 0), which is what keeps it inside the 360-entry table.
+int HueOf(const BYTE* bgr) {
+    int hue = 0;
+    BYTE saturation = 0;
+    BYTE value = 0;
+    C_Helper().HSVFromRGB(bgr[2], bgr[1], bgr[0], &hue, &saturation, &value);
+    return hue;
+}
 
 void MarkRange(unsigned char* accept, int lo, int hi) {
     lo = std::max(lo, 0);
@@ -84,7 +71,7 @@ void PrepareColorMatch(S_ColorMatchData* data, const BYTE* bgr, COLOR_MATCH_MODE
             break;
         case COLOR_MATCH_HUE:
             data->m_Mode = mode;
-            MarkHue(data->m_Accept, HueDegrees(bgr[2], bgr[1], bgr[0]), tolerance);
+            MarkHue(data->m_Accept, HueOf(bgr), tolerance);
             break;
         case COLOR_MATCH_INTENSITY: {
             data->m_Mode = mode;
@@ -104,7 +91,7 @@ bool MatchColor(const BYTE* bgr, const S_ColorMatchData& data) {
             return data.m_Accept[bgr[2]] != 0 && data.m_Accept[256 + bgr[1]] != 0 &&
                    data.m_Accept[512 + bgr[0]] != 0;
         case COLOR_MATCH_HUE:
-            return data.m_Accept[HueDegrees(bgr[2], bgr[1], bgr[0])] != 0;
+            return data.m_Accept[HueOf(bgr)] != 0;
         case COLOR_MATCH_INTENSITY:
             return data.m_Accept[(bgr[0] + bgr[1] + bgr[2]) / 3] != 0;
         default:

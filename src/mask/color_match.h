@@ -9,10 +9,6 @@
 
 namespace vistrane::mask {
 
-// Hue in whole degrees 0..359, rounded to nearest; 0 for greys. Hue 0 is red, 120 green,
-// 240 blue.
-int HueDegrees(BYTE red, BYTE green, BYTE blue);
-
 // `bgr` is blue, green, red.
 void PrepareColorMatch(S_ColorMatchData* data, const BYTE* bgr, COLOR_MATCH_MODE mode,
                        int tolerance);

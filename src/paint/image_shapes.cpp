@@ -1,5 +1,5 @@
 // The shape members of C_Image: rectangles, rounded rectangles and ellipses through the drawing
-// device, and the direct rectangle fills.
+// device, optionally with a soft edge, and the direct rectangle fills.
 
 #include <vistrane/image/image.h>
 #include <vistrane/platform/dc.h>
@@ -9,10 +9,34 @@
 #include "image/pixel_view.h"
 #include "paint/rect_fill.h"
 
+namespace {
+
+// The soft edge is the same shape drawn hard into a grey mask, anti-aliased there, and painted
+// through it at full strength. The caller draws the hard shape over it afterwards, so only the
+// pixels beside the shape keep the blend; on the shape itself the hard paint wins.
+void PaintSoftFringe(C_Image& image, int kind, CRect r, PAINT_COLORS color, int penWidth,
+                     int filled) {
+    C_Image fringe;
+    if (!fringe.CreateMask(image.Width(), image.Height())) {
+        return;
+    }
+    fringe.SetForePalInd(255);
+    fringe.SetBackPalInd(0);
+    fringe.PaintEllipseOrRect(kind, r, PAINT_COLORS_FORE, penWidth, filled, 0);
+    if (fringe.MaskAntiAlias() != 0) {
+        image.PaintMasked(color, BLENDMODE_NORMAL, 0, 255, &fringe, nullptr);
+    }
+}
+
+}  // namespace
+
 void C_Image::PaintEllipseOrRect(int kind, CRect r, PAINT_COLORS color, int penWidth, int filled,
-                                 int /*softEdge*/) {
+                                 int softEdge) {
     if (!HasImage()) {
         return;
+    }
+    if (softEdge != 0 && CanEditTrueColor()) {
+        PaintSoftFringe(*this, kind, r, color, penWidth, filled);
     }
     CDC dc;
     if (!dc.CreateCompatibleDC(nullptr)) {

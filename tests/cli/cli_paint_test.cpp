@@ -10,6 +10,7 @@
 #include <vistrane/mask/mask_features.h>
 
 #include "cli/cli_support.h"
+#include "support/image_support.h"
 
 namespace vistrane {
 namespace {
@@ -89,6 +90,32 @@ TEST_F(CliTest, ShapeKindsAndPenWidth) {
     EXPECT_EQ(wide.GetPixelColorRef(20, 9), kWhite);
 }
 
+TEST_F(CliTest, ShapeSoftEdgeBlendsAOnePixelFringe) {
+    SaveWhite(Path("white.png"), 16, 12);
+    const std::string files = Quoted("white.png") + " " + Quoted("soft.png");
+    const ToolRun run =
+        Vistrane("shape --kind rect --rect 4,4,12,9 --filled --soft --color ff0000 " + files);
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    C_Image soft;
+    ASSERT_TRUE(Load(Path("soft.png"), soft));
+    // Beside an edge the fringe covers 3 of 9: a = 85, so green and blue become 255 * 170 / 255
+    // + 0 = 170. Off a corner 1 of 9: a = 28, 255 * 227 / 255 = 227.
+    EXPECT_EQ(soft.GetPixelColorRef(8, 3), RGB(255, 170, 170));
+    EXPECT_EQ(soft.GetPixelColorRef(12, 6), RGB(255, 170, 170));
+    EXPECT_EQ(soft.GetPixelColorRef(3, 3), RGB(255, 227, 227));
+    EXPECT_EQ(soft.GetPixelColorRef(4, 4), kRed);
+    EXPECT_EQ(soft.GetPixelColorRef(11, 8), kRed);
+    EXPECT_EQ(soft.GetPixelColorRef(8, 2), kWhite);
+    EXPECT_EQ(soft.GetPixelColorRef(13, 6), kWhite);
+
+    ASSERT_EQ(
+        Vistrane("shape --kind rect --rect 4,4,12,9 --filled --color ff0000 " + files).exitCode, 0);
+    C_Image hard;
+    ASSERT_TRUE(Load(Path("soft.png"), hard));
+    EXPECT_EQ(hard.GetPixelColorRef(8, 3), kWhite);
+    EXPECT_EQ(hard.GetPixelColorRef(4, 4), kRed);
+}
+
 TEST_F(CliTest, ShapeOnAPaletteImagePaintsTheNearestEntry) {
     const RGBQUAD colors[3] = {{0, 0, 0, 0}, {255, 255, 255, 0}, {0, 0, 250, 0}};
     C_Image palette;
@@ -103,6 +130,15 @@ TEST_F(CliTest, ShapeOnAPaletteImagePaintsTheNearestEntry) {
     ASSERT_FALSE(out.IsTrueColor());
     EXPECT_EQ(out.GetPixelPalInd(3, 3), 2);
     EXPECT_EQ(out.GetPixelPalInd(5, 3), 0);
+
+    // Palette indices cannot be blended: a soft edge leaves the hard shape.
+    ASSERT_EQ(Vistrane("shape --kind rect --rect 2,2,5,4 --filled --soft --color ff0000 " +
+                       Quoted("palette.bmp") + " " + Quoted("soft.bmp"))
+                  .exitCode,
+              0);
+    C_Image soft;
+    ASSERT_TRUE(Load(Path("soft.bmp"), soft));
+    EXPECT_TRUE(test::SamePixels(out, soft));
 }
 
 TEST_F(CliTest, ShapeRefusesBadRequests) {
@@ -253,6 +289,14 @@ TEST_F(CliTest, DemoSelectsTheSkyAndPaintsShapes) {
     ASSERT_TRUE(Load(Path("demo/shapes.png"), shapes));
     EXPECT_EQ(shapes.GetPixelColorRef(800, 900), RGB(30, 90, 200));  // inside the filled one
     EXPECT_EQ(shapes.GetPixelColorRef(300, 850), picture.GetPixelColorRef(300, 850));
+    // The soft filled rectangle (100, 250)-(500, 550) in 240 grey: inside it the hard paint,
+    // beside its top edge a third of the paint over the picture, farther out the picture.
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 400), RGB(240, 240, 240));
+    const unsigned long under = picture.GetPixelColorRef(300, 249);
+    auto blend = [](BYTE old) { return static_cast<BYTE>(old * 170 / 255 + 240 * 85 / 255); };
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 249),
+              RGB(blend(GetRValue(under)), blend(GetGValue(under)), blend(GetBValue(under))));
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 248), picture.GetPixelColorRef(300, 248));
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
 #include <random>
 #include <vector>
 
+#include <vistrane/companion/helper.h>
 #include <vistrane/image/image.h>
 #include <vistrane/image/simple_image.h>
 
@@ -155,6 +157,40 @@ TEST_F(ColorMatchTest, HueRangeWrapsRoundTheCircle) {
     EXPECT_EQ(any.MatchTrueColor(yellowish, &data), 1);
     EXPECT_EQ(any.MatchTrueColor(orange, &data), 0);
     EXPECT_EQ(any.MatchTrueColor(grey, &data), 1);
+}
+
+TEST_F(ColorMatchTest, HueModeUsesTheCompanionHue) {
+    C_Image any;
+    C_Helper helper;
+    std::mt19937 rng(2024);
+    S_ColorMatchData data;
+    for (int trial = 0; trial < 2000; ++trial) {
+        BYTE reference[3];
+        BYTE other[3];
+        for (int c = 0; c < 3; ++c) {
+            reference[c] = static_cast<BYTE>(rng());
+            other[c] = static_cast<BYTE>(rng());
+        }
+        if (trial % 4 == 0) {  // greys too
+            reference[1] = reference[2] = reference[0];
+        }
+        int hue = 0;
+        int otherHue = 0;
+        BYTE s = 0;
+        BYTE v = 0;
+        helper.HSVFromRGB(reference[2], reference[1], reference[0], &hue, &s, &v);
+        helper.HSVFromRGB(other[2], other[1], other[0], &otherHue, &s, &v);
+        // Tolerance 0 marks exactly the reference's hue entry.
+        any.PrepareColorMatch(&data, reference, COLOR_MATCH_HUE, 0);
+        for (int i = 0; i < 768; ++i) {
+            ASSERT_EQ(data.m_Accept[i] != 0, i == hue) << "entry " << i << ", trial " << trial;
+        }
+        ASSERT_EQ(any.MatchTrueColor(other, &data), otherHue == hue ? 1 : 0) << "trial " << trial;
+        // Tolerance 3: the circular distance decides.
+        any.PrepareColorMatch(&data, reference, COLOR_MATCH_HUE, 3);
+        const int distance = std::min((otherHue - hue + 360) % 360, (hue - otherHue + 360) % 360);
+        ASSERT_EQ(any.MatchTrueColor(other, &data), distance <= 3 ? 1 : 0) << "trial " << trial;
+    }
 }
 
 TEST_F(ColorMatchTest, IntensityAndRgbTables) {

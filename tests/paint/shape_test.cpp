@@ -43,7 +43,7 @@ TEST_F(ShapeTest, UnfilledShapesLeaveTheirInsideAndPenWidthCounts) {
     ASSERT_TRUE(image.Create(30, 30, 1, nullptr, 0));
     image.FillWithColorRef(RGB(1, 2, 3));
     image.SetBackTrueColor(RGB(200, 100, 50));
-    image.PaintEllipse(CRect(2, 2, 28, 28), PAINT_COLORS_BACK, 3, 0, 1);
+    image.PaintEllipse(CRect(2, 2, 28, 28), PAINT_COLORS_BACK, 3, 0, 0);
     image.PaintRectangle(CRect(10, 10, 20, 20), PAINT_COLORS_BACK, 1, 0, 0);
     EXPECT_EQ(image.GetPixelColorRef(15, 15), RGB(1, 2, 3));
     EXPECT_EQ(image.GetPixelColorRef(15, 2), RGB(200, 100, 50));

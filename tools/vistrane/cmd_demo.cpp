@@ -260,6 +260,13 @@ std::string PaintShapes(DemoContext& context) {
     painted.PaintRoundRect(CRect(600, 750, 1000, 1050), PAINT_COLORS_FORE, 1, 1, 0);
     painted.SetForeTrueColor(RGB(250, 220, 40));
     painted.PaintEllipse(CRect(1100, 650, 1500, 1100), PAINT_COLORS_FORE, 14, 0, 0);
+    // The same kinds again with soft edges, above the hard ones, for comparison.
+    painted.SetForeTrueColor(RGB(240, 240, 240));
+    painted.PaintRectangle(CRect(100, 250, 500, 550), PAINT_COLORS_FORE, 1, 1, 1);
+    painted.SetForeTrueColor(RGB(30, 90, 200));
+    painted.PaintRoundRect(CRect(600, 250, 1000, 550), PAINT_COLORS_FORE, 6, 0, 1);
+    painted.SetForeTrueColor(RGB(250, 220, 40));
+    painted.PaintEllipse(CRect(1100, 200, 1500, 600), PAINT_COLORS_FORE, 1, 1, 1);
     return SaveInto(context, painted, "shapes.png");
 }
 

@@ -1,8 +1,9 @@
 // vistrane shape IN OUT --kind rect|roundrect|ellipse --rect L,T,R,B [--color RRGGBB]
-//                       [--pen W] [--filled]
+//                       [--pen W] [--filled] [--soft]
 
 #include <string>
 
+#include <vistrane/blend/image_luts.h>
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
@@ -58,8 +59,20 @@ int RunShape(const Subcommand& command, const ParsedArgs& args) {
     } else {
         image.SetForePalInd(static_cast<unsigned char>(image.GetNearestColorRef(colour) & 0xFF));
     }
+    const bool soft = args.Has("soft");
+    // The soft fringe is painted through a mask, which needs the blend tables.
+    if (soft) {
+        glb_CreateImageLUTs();
+        if (glb_LUTsCreatedOK() == 0) {
+            glb_ReleaseImageLUTs();
+            return Failure(command, "cannot build the blend tables for the soft edge");
+        }
+    }
     image.PaintEllipseOrRect(kind, rect, PAINT_COLORS_FORE, static_cast<int>(penWidth),
-                             args.Has("filled") ? 1 : 0, 0);
+                             args.Has("filled") ? 1 : 0, soft ? 1 : 0);
+    if (soft) {
+        glb_ReleaseImageLUTs();
+    }
     const ImageFileResult saved = SaveImageFile(output, image);
     if (!saved.ok) {
         return Failure(command, saved.error);
@@ -73,6 +86,9 @@ constexpr OptionSpec kShapeOptions[] = {
     {"color", "RRGGBB", "the paint colour (default 000000); the nearest entry on 8-bit images"},
     {"pen", "W", "outline width in pixels, centred on the bounds, 1 to 1000 (default 1)"},
     {"filled", nullptr, "fill the inside too (else it is left as it is)"},
+    {"soft", nullptr,
+     "add an anti-aliased one-pixel fringe (24-bit and grey images; other 8-bit images get the "
+     "hard shape)"},
 };
 
 }  // namespace
@@ -82,7 +98,8 @@ const Subcommand kShapeCommand = {
     "IN OUT",
     "paint a rectangle, rounded rectangle or ellipse",
     "Reads IN, paints the shape and writes OUT (.bmp or .png). The rounded rectangle's corners\n"
-    "are ellipses of a quarter of the smaller side.",
+    "are ellipses of a quarter of the smaller side. With --soft the shape's edges are blended\n"
+    "into the picture over one pixel.",
     kShapeOptions,
     2,
     2,

@@ -308,8 +308,13 @@ class VISTRANE_API C_Image : public CObject {
     // Shapes drawn with the drawing device in one of the paint colours: kind 0 rectangle, 1
     // rounded rectangle (corner ellipse e x e, e = min(width / 4, height / 4)), 2 ellipse; the
     // pen of penWidth is centred on the outline, right and bottom are exclusive; unfilled shapes
-    // leave their inside alone. The soft-edge flag is accepted and the hard shape drawn; the
-    // soft fringe needs painting through a mask, which comes with the blend subsystem.
+    // leave their inside alone. With softEdge non-zero on a true-colour or grey-mask image, the
+    // same shape is first drawn into a temporary mask, anti-aliased (MaskAntiAlias) and painted
+    // through it at full opacity in the normal mode (PaintMasked), then the hard shape is drawn
+    // over it: the result is the hard shape with a one-pixel fringe of intermediate colour
+    // beside every edge it paints (inside a hollow outline too). Other palette images, short
+    // memory or blend tables that are not built (glb_CreateImageLUTs) give the hard shape alone.
+    // Like PaintMasked, the soft edge leaves the normal fill kernel selected.
 
     void PaintEllipseOrRect(int kind, CRect r, PAINT_COLORS color, int penWidth, int filled,
                             int softEdge);
