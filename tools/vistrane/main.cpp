@@ -26,6 +26,7 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kPaletteCommand,
     &vistrane::cli::kCropCommand,
     &vistrane::cli::kBorderCommand,
+    &vistrane::cli::kTileCommand,
     &vistrane::cli::kWarpCommand,
     &vistrane::cli::kTraceCommand,
     &vistrane::cli::kTextCommand,
