@@ -101,6 +101,17 @@ void BM_XformResampleDouble(benchmark::State& state) {
 }
 BENCHMARK(BM_XformResampleDouble)->Apply(Formats);
 
+bool ExpandWithReferenceRows(const vistrane::image::ConstPixelView& src,
+                             const vistrane::image::PixelView& dst) {
+    return vistrane::xform::ResampleExpandWith(src, dst, vistrane::xform::ExpandRowRef);
+}
+
+// The same enlargement through the plain row rule, beside the kernel the CPU dispatch picks.
+void BM_XformResampleDoubleReference(benchmark::State& state) {
+    RunResize<ExpandWithReferenceRows>(state, kWidth * 2, kHeight * 2);
+}
+BENCHMARK(BM_XformResampleDoubleReference)->Apply(Formats);
+
 void BM_XformDIBResizeThird(benchmark::State& state) {
     RunResize<vistrane::xform::ResizeNearest>(state, kWidth / 3, kHeight / 3);
 }
