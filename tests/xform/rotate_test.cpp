@@ -259,7 +259,8 @@ Buffer RefRotate(const C_Image& image, double a, const int* bg, bool blend) {
 TEST(ShearRotation, MatchesTheLiteralShearsForEveryFormatAngleAndSize) {
     for (const Format& f : kFormats) {
         for (const double degrees : {0.0, 1.0, -1.0, 17.5, -30.0, 30.0, 44.9, -45.0, 45.0}) {
-            for (const auto& [w, h] : {std::pair{1, 1}, {1, 9}, {9, 1}, {23, 17}, {40, 61}}) {
+            for (const auto& [w, h] :
+                 {std::pair{1, 1}, {1, 9}, {9, 1}, {23, 17}, {40, 61}, {150, 37}, {67, 130}}) {
                 C_Image image;
                 Make(image, f.kind, w, h, 5u + w * 3u + h);
                 image.SetBackTrueColor(RGB(200, 100, 50));
