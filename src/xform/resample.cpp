@@ -309,13 +309,16 @@ bool ReduceXYRows(const ConstPixelView& src, const PixelView& dst) {
         BYTE* out = dst.Row(y);
         for (int x = 0; x < dw; ++x) {
             const Sum* column = acc.get() + static_cast<std::ptrdiff_t>(starts[x]) * Bpp;
-            const int cols = starts[x + 1] - starts[x];
-            for (int ch = 0; ch < Bpp; ++ch) {
-                std::uint64_t total = 0;
-                for (int i = 0; i < cols; ++i) {
-                    total += column[i * Bpp + ch];
+            const Sum* columnEnd = acc.get() + static_cast<std::ptrdiff_t>(starts[x + 1]) * Bpp;
+            // All channels of a box in one walk over its columns.
+            std::uint64_t total[Bpp] = {};
+            for (; column < columnEnd; column += Bpp) {
+                for (int ch = 0; ch < Bpp; ++ch) {
+                    total[ch] += column[ch];
                 }
-                out[x * Bpp + ch] = static_cast<BYTE>(Divide(total, divisors[x]));
+            }
+            for (int ch = 0; ch < Bpp; ++ch) {
+                out[x * Bpp + ch] = static_cast<BYTE>(Divide(total[ch], divisors[x]));
             }
         }
     }
