@@ -174,6 +174,31 @@ void ShearLine(const BYTE* in, std::ptrdiff_t inStep, int n, BYTE* out, std::ptr
     }
 }
 
+// ShearLine for a row moved within a row: the run is contiguous on both sides, so the
+// blending rows go to a row kernel; the copying rows keep ShearLine.
+template <int Bpp, ShearMode Mode>
+void ShearRow(const BYTE* in, int n, BYTE* out, int length, SplitOffset offset, int disp,
+              const BYTE* bg, ShearRowKernel kernel) {
+    if constexpr (Mode == ShearMode::Copy) {
+        ShearLine<Bpp, Mode>(in, Bpp, n, out, Bpp, length, offset, disp, bg);
+    } else {
+        const int start = offset.whole + disp;
+        const int first = std::max(0, -start);
+        const int end = std::min(n, length - start);
+        const BYTE* prev = bg;
+        if (first < end) {
+            kernel(out + static_cast<std::ptrdiff_t>(start + first) * Bpp,
+                   in + static_cast<std::ptrdiff_t>(first) * Bpp, (end - first) * Bpp, Bpp, bg,
+                   offset.frac);
+            prev = in + static_cast<std::ptrdiff_t>(end - 1) * Bpp;
+        }
+        const int after = start + n;
+        if (offset.frac > 0 && after >= 0 && after < length) {
+            Blend12<Bpp>(out + static_cast<std::ptrdiff_t>(after) * Bpp, bg, prev, offset.frac);
+        }
+    }
+}
+
 // Columns sheared together by ShearColumns: 64 columns of 3 bytes span three cache lines of
 // each row, so the strip walks its rows of the buffers instead of one column at a time.
 constexpr int kShearStrip = 64;
@@ -182,45 +207,70 @@ constexpr int kShearStrip = 64;
 // j moved by offsets[j] with displacement `disp` into a buffer of `length` rows. Each column
 // gets exactly ShearLine's writes in ShearLine's order; only the order between columns changes.
 template <int Bpp, ShearMode Mode>
+inline void ShearColumnPixel(BYTE* o, const BYTE* p, const BYTE* prev, int frac) {
+    if constexpr (Mode == ShearMode::Blend) {
+        Blend12<Bpp>(o, p, prev, frac);
+    } else {
+        std::memcpy(o, p, Bpp);
+    }
+}
+
+template <int Bpp, ShearMode Mode>
 void ShearColumns(const BYTE* in, int n, BYTE* out, std::ptrdiff_t rowBytes, int length,
                   const SplitOffset* offsets, int j0, int j1, int disp, const BYTE* bg) {
     int start[kShearStrip];
     int first[kShearStrip];
     int end[kShearStrip];
+    int frac[kShearStrip];
+    std::ptrdiff_t target[kShearStrip];  // bytes from `out` to where source row 0 would land
     const BYTE* prev[kShearStrip];
     const int count = j1 - j0;
     int low = n;
     int high = 0;
+    int allFrom = 0;  // from here to allTo every column of the strip is on the line
+    int allTo = n;
     for (int c = 0; c < count; ++c) {
         start[c] = offsets[j0 + c].whole + disp;
         first[c] = std::max(0, -start[c]);
         end[c] = std::min(n, length - start[c]);
+        frac[c] = offsets[j0 + c].frac;
+        target[c] = rowBytes * start[c] + static_cast<std::ptrdiff_t>(j0 + c) * Bpp;
         prev[c] = bg;
         low = std::min(low, first[c]);
         high = std::max(high, end[c]);
+        allFrom = std::max(allFrom, first[c]);
+        allTo = std::min(allTo, end[c]);
     }
-    for (int i = low; i < high; ++i) {
-        const BYTE* row = in + rowBytes * i + static_cast<std::ptrdiff_t>(j0) * Bpp;
+    allTo = std::max(allTo, allFrom);
+    const BYTE* strip = in + static_cast<std::ptrdiff_t>(j0) * Bpp;
+    auto someColumns = [&](int from, int to) {
+        for (int i = from; i < to; ++i) {
+            const BYTE* row = strip + rowBytes * i;
+            for (int c = 0; c < count; ++c) {
+                if (i >= first[c] && i < end[c]) {
+                    ShearColumnPixel<Bpp, Mode>(out + (target[c] + rowBytes * i), row + c * Bpp,
+                                                prev[c], frac[c]);
+                    prev[c] = row + c * Bpp;
+                }
+            }
+        }
+    };
+    someColumns(low, allFrom);
+    for (int i = allFrom; i < allTo; ++i) {
+        const BYTE* row = strip + rowBytes * i;
+        const std::ptrdiff_t down = rowBytes * i;
         for (int c = 0; c < count; ++c) {
-            if (i < first[c] || i >= end[c]) {
-                continue;
-            }
-            const BYTE* p = row + c * Bpp;
-            BYTE* o = out + rowBytes * (start[c] + i) + static_cast<std::ptrdiff_t>(j0 + c) * Bpp;
-            if constexpr (Mode == ShearMode::Blend) {
-                Blend12<Bpp>(o, p, prev[c], offsets[j0 + c].frac);
-            } else {
-                std::memcpy(o, p, Bpp);
-            }
-            prev[c] = p;
+            ShearColumnPixel<Bpp, Mode>(out + (target[c] + down), row + c * Bpp, prev[c], frac[c]);
+            prev[c] = row + c * Bpp;
         }
     }
+    someColumns(allTo, high);
     for (int c = 0; c < count; ++c) {
         const int after = start[c] + n;
-        if (offsets[j0 + c].frac > 0 && after >= 0 && after < length) {
+        if (frac[c] > 0 && after >= 0 && after < length) {
             BYTE* o = out + rowBytes * after + static_cast<std::ptrdiff_t>(j0 + c) * Bpp;
             if constexpr (Mode == ShearMode::Blend) {
-                Blend12<Bpp>(o, bg, prev[c], offsets[j0 + c].frac);
+                Blend12<Bpp>(o, bg, prev[c], frac[c]);
             } else {
                 std::memcpy(o, bg, Bpp);
             }
@@ -233,14 +283,20 @@ void FillBuffer(BYTE* buffer, std::size_t pixels, int bpp, const BYTE* bg) {
         std::memset(buffer, bg[0], pixels);
         return;
     }
-    for (std::size_t i = 0; i < pixels; ++i) {
-        std::memcpy(buffer + i * bpp, bg, static_cast<std::size_t>(bpp));
+    if (pixels == 0) {
+        return;
+    }
+    // One pixel, then the filled part copied onto the rest, doubling each time.
+    const std::size_t total = pixels * bpp;
+    std::memcpy(buffer, bg, static_cast<std::size_t>(bpp));
+    for (std::size_t filled = bpp; filled < total; filled *= 2) {
+        std::memcpy(buffer + filled, buffer, std::min(filled, total - filled));
     }
 }
 
 template <int Bpp, ShearMode Mode>
 bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double radians,
-                     const ShearSizes& z, const BYTE* bg) {
+                     const ShearSizes& z, const BYTE* bg, ShearRowKernel kernel) {
     const int w = src.width;
     const int h = src.height;
     const std::size_t firstPixels = static_cast<std::size_t>(z.firstWidth) * h;
@@ -258,8 +314,8 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
     for (int i = 0; i < h; ++i) {
         // h - i, not h - 1 - i: keeps the original shear offset.
         const double o = positive ? i * z.tanHalf : (h - i) * z.tanHalf;
-        ShearLine<Bpp, Mode>(src.Row(i), Bpp, w, first.get() + firstRow * i, Bpp, z.firstWidth,
-                             Split(o), 0, bg);
+        ShearRow<Bpp, Mode>(src.Row(i), w, first.get() + firstRow * i, z.firstWidth, Split(o), 0,
+                            bg, kernel);
     }
 
     FillBuffer(second.get(), secondPixels, Bpp, bg);
@@ -275,8 +331,8 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
     image::FillPixels(dst, bg);
     for (int i = 0; i < z.height; ++i) {
         const double o = positive ? i * z.tanHalf : (z.height - i) * z.tanHalf;
-        ShearLine<Bpp, Mode>(second.get() + firstRow * i, Bpp, z.firstWidth, dst.Row(i), Bpp,
-                             z.width, Split(o), -z.shift, bg);
+        ShearRow<Bpp, Mode>(second.get() + firstRow * i, z.firstWidth, dst.Row(i), z.width,
+                            Split(o), -z.shift, bg, kernel);
     }
     return true;
 }
@@ -298,18 +354,41 @@ bool ComputeShearSizes(int width, int height, double radians, ShearSizes& z) {
            z.width >= 1 && z.height >= 1;
 }
 
-bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
-                 const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
+void ShearRowRef(BYTE* out, const BYTE* in, int bytes, int bpp, const BYTE* prev, int frac) {
+    for (int j = 0; j < bytes; ++j) {
+        const int before = j < bpp ? prev[j] : in[j - bpp];
+        out[j] = static_cast<BYTE>((in[j] * (4096 - frac) + before * frac + 2048) >> 12);
+    }
+}
+
+ShearRowKernel BestShearRow() {
+#if defined(__x86_64__)
+    static const ShearRowKernel best = __builtin_cpu_supports("avx2") ? ShearRowAvx2 : ShearRowRef;
+    return best;
+#else
+    return ShearRowRef;
+#endif
+}
+
+bool ShearRotateWith(const ConstPixelView& src, const PixelView& dst, double radians,
+                     const ShearSizes& sizes, const BYTE* background, ShearMode mode,
+                     ShearRowKernel kernel) {
     assert(dst.width == sizes.width && dst.height == sizes.height);
     assert(src.bytesPerPixel == dst.bytesPerPixel);
     if (src.bytesPerPixel == 3) {
-        return mode == ShearMode::Blend
-                   ? ShearRotateRows<3, ShearMode::Blend>(src, dst, radians, sizes, background)
-                   : ShearRotateRows<3, ShearMode::Copy>(src, dst, radians, sizes, background);
+        return mode == ShearMode::Blend ? ShearRotateRows<3, ShearMode::Blend>(
+                                              src, dst, radians, sizes, background, kernel)
+                                        : ShearRotateRows<3, ShearMode::Copy>(
+                                              src, dst, radians, sizes, background, kernel);
     }
     return mode == ShearMode::Blend
-               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background)
-               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background);
+               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background, kernel)
+               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background, kernel);
+}
+
+bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
+                 const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
+    return ShearRotateWith(src, dst, radians, sizes, background, mode, BestShearRow());
 }
 
 }  // namespace vistrane::xform
