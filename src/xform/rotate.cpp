@@ -217,7 +217,8 @@ inline void ShearColumnPixel(BYTE* o, const BYTE* p, const BYTE* prev, int frac)
 
 template <int Bpp, ShearMode Mode>
 void ShearColumns(const BYTE* in, int n, BYTE* out, std::ptrdiff_t rowBytes, int length,
-                  const SplitOffset* offsets, int j0, int j1, int disp, const BYTE* bg) {
+                  const SplitOffset* offsets, int j0, int j1, int disp, const BYTE* bg,
+                  ShearPairsKernel pairs) {
     int start[kShearStrip];
     int first[kShearStrip];
     int end[kShearStrip];
@@ -256,7 +257,34 @@ void ShearColumns(const BYTE* in, int n, BYTE* out, std::ptrdiff_t rowBytes, int
         }
     };
     someColumns(low, allFrom);
-    for (int i = allFrom; i < allTo; ++i) {
+    int i0 = allFrom;
+    if constexpr (Mode == ShearMode::Blend) {
+        // Past the first row where all columns are on the line, every column blends with the
+        // pixel above it: the strip is one row operation, then each pixel goes to its line.
+        someColumns(allFrom, std::min(allFrom + 1, allTo));
+        std::int32_t weights[kShearStrip * Bpp];
+        BYTE blended[kShearStrip * Bpp];
+        for (int c = 0; c < count; ++c) {
+            for (int ch = 0; ch < Bpp; ++ch) {
+                weights[c * Bpp + ch] = frac[c] << 16 | (4096 - frac[c]);
+            }
+        }
+        for (int i = allFrom + 1; i < allTo; ++i) {
+            const BYTE* row = strip + rowBytes * i;
+            pairs(blended, row, row - rowBytes, weights, count * Bpp);
+            const std::ptrdiff_t down = rowBytes * i;
+            for (int c = 0; c < count; ++c) {
+                std::memcpy(out + (target[c] + down), blended + c * Bpp, Bpp);
+            }
+        }
+        if (allTo > allFrom) {
+            for (int c = 0; c < count; ++c) {
+                prev[c] = strip + rowBytes * (allTo - 1) + c * Bpp;
+            }
+        }
+        i0 = allTo;
+    }
+    for (int i = i0; i < allTo; ++i) {
         const BYTE* row = strip + rowBytes * i;
         const std::ptrdiff_t down = rowBytes * i;
         for (int c = 0; c < count; ++c) {
@@ -296,7 +324,7 @@ void FillBuffer(BYTE* buffer, std::size_t pixels, int bpp, const BYTE* bg) {
 
 template <int Bpp, ShearMode Mode>
 bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double radians,
-                     const ShearSizes& z, const BYTE* bg, ShearRowKernel kernel) {
+                     const ShearSizes& z, const BYTE* bg, const ShearKernels& kernels) {
     const int w = src.width;
     const int h = src.height;
     const std::size_t firstPixels = static_cast<std::size_t>(z.firstWidth) * h;
@@ -315,7 +343,7 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
         // h - i, not h - 1 - i: keeps the original shear offset.
         const double o = positive ? i * z.tanHalf : (h - i) * z.tanHalf;
         ShearRow<Bpp, Mode>(src.Row(i), w, first.get() + firstRow * i, z.firstWidth, Split(o), 0,
-                            bg, kernel);
+                            bg, kernels.row);
     }
 
     FillBuffer(second.get(), secondPixels, Bpp, bg);
@@ -325,14 +353,14 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
     for (int j0 = 0; j0 < z.firstWidth; j0 += kShearStrip) {
         ShearColumns<Bpp, Mode>(first.get(), h, second.get(), firstRow, z.height,
                                 columnOffsets.get(), j0, std::min(j0 + kShearStrip, z.firstWidth),
-                                -z.trim, bg);
+                                -z.trim, bg, kernels.pairs);
     }
 
     image::FillPixels(dst, bg);
     for (int i = 0; i < z.height; ++i) {
         const double o = positive ? i * z.tanHalf : (z.height - i) * z.tanHalf;
         ShearRow<Bpp, Mode>(second.get() + firstRow * i, z.firstWidth, dst.Row(i), z.width,
-                            Split(o), -z.shift, bg, kernel);
+                            Split(o), -z.shift, bg, kernels.row);
     }
     return true;
 }
@@ -370,25 +398,44 @@ ShearRowKernel BestShearRow() {
 #endif
 }
 
+void ShearPairsRef(BYTE* out, const BYTE* in, const BYTE* above, const std::int32_t* weights,
+                   int bytes) {
+    for (int j = 0; j < bytes; ++j) {
+        const int frac = weights[j] >> 16;
+        out[j] = static_cast<BYTE>((in[j] * (4096 - frac) + above[j] * frac + 2048) >> 12);
+    }
+}
+
+ShearPairsKernel BestShearPairs() {
+#if defined(__x86_64__)
+    static const ShearPairsKernel best =
+        __builtin_cpu_supports("avx2") ? ShearPairsAvx2 : ShearPairsRef;
+    return best;
+#else
+    return ShearPairsRef;
+#endif
+}
+
 bool ShearRotateWith(const ConstPixelView& src, const PixelView& dst, double radians,
                      const ShearSizes& sizes, const BYTE* background, ShearMode mode,
-                     ShearRowKernel kernel) {
+                     const ShearKernels& kernels) {
     assert(dst.width == sizes.width && dst.height == sizes.height);
     assert(src.bytesPerPixel == dst.bytesPerPixel);
     if (src.bytesPerPixel == 3) {
         return mode == ShearMode::Blend ? ShearRotateRows<3, ShearMode::Blend>(
-                                              src, dst, radians, sizes, background, kernel)
+                                              src, dst, radians, sizes, background, kernels)
                                         : ShearRotateRows<3, ShearMode::Copy>(
-                                              src, dst, radians, sizes, background, kernel);
+                                              src, dst, radians, sizes, background, kernels);
     }
     return mode == ShearMode::Blend
-               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background, kernel)
-               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background, kernel);
+               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background, kernels)
+               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background, kernels);
 }
 
 bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
                  const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
-    return ShearRotateWith(src, dst, radians, sizes, background, mode, BestShearRow());
+    return ShearRotateWith(src, dst, radians, sizes, background, mode,
+                           ShearKernels{BestShearRow(), BestShearPairs()});
 }
 
 }  // namespace vistrane::xform

@@ -61,6 +61,23 @@ using ShearRowKernel = void (*)(BYTE* out, const BYTE* in, int bytes, int bpp, c
                                 int frac);
 ShearRowKernel BestShearRow();
 
+// The row kernel of the column shear, which runs across a strip of columns one source row at
+// a time: byte j of `out` becomes (in[j] * (4096 - f) + above[j] * f + 2048) >> 12, with the
+// byte's own fraction packed as weights[j] = f << 16 | (4096 - f). ShearPairsRef is the rule;
+// ShearPairsAvx2 gives the same bytes, as above.
+void ShearPairsRef(BYTE* out, const BYTE* in, const BYTE* above, const std::int32_t* weights,
+                   int bytes);
+void ShearPairsAvx2(BYTE* out, const BYTE* in, const BYTE* above, const std::int32_t* weights,
+                    int bytes);
+using ShearPairsKernel = void (*)(BYTE* out, const BYTE* in, const BYTE* above,
+                                  const std::int32_t* weights, int bytes);
+ShearPairsKernel BestShearPairs();
+
+struct ShearKernels {
+    ShearRowKernel row;
+    ShearPairsKernel pairs;
+};
+
 // Rotates src into dst, which must be sizes.width x sizes.height with the same bytes per pixel;
 // `background` is one pixel (1 or 3 bytes) for what the rotation uncovers. False when the
 // intermediate buffers cannot be had.
@@ -70,6 +87,6 @@ ShearRowKernel BestShearRow();
 // The same with a named row kernel for the two row shears, for tests and benchmarks.
 [[nodiscard]] bool ShearRotateWith(const image::ConstPixelView& src, const image::PixelView& dst,
                                    double radians, const ShearSizes& sizes, const BYTE* background,
-                                   ShearMode mode, ShearRowKernel kernel);
+                                   ShearMode mode, const ShearKernels& kernels);
 
 }  // namespace vistrane::xform

@@ -67,6 +67,67 @@ TEST(ShearRowKernel, Avx2MatchesReferenceOnAwkwardWidthsAndFractions) {
 
 TEST(ShearRowKernel, BestKernelIsTheOneTheCpuRuns) {
     EXPECT_EQ(xform::BestShearRow(), HasAvx2() ? xform::ShearRowAvx2 : xform::ShearRowRef);
+    EXPECT_EQ(xform::BestShearPairs(), HasAvx2() ? xform::ShearPairsAvx2 : xform::ShearPairsRef);
+}
+
+// Every byte count up to three strips of 3-byte columns, each byte with its own fraction
+// (the extremes 0 and 4095 included).
+TEST(ShearPairsKernel, Avx2MatchesReferenceWithAFractionPerByte) {
+    if (!HasAvx2()) {
+        GTEST_SKIP() << "no AVX2 on this CPU";
+    }
+    constexpr int kGuard = 40;
+    for (int bytes = 1; bytes <= 3 * 192; ++bytes) {
+        test::RandomBytes random(500u + bytes);
+        const std::vector<BYTE> in = random.Fill(static_cast<std::size_t>(bytes));
+        const std::vector<BYTE> above = random.Fill(static_cast<std::size_t>(bytes));
+        std::vector<std::int32_t> weights(static_cast<std::size_t>(bytes));
+        for (auto& w : weights) {
+            const int pick = random.Below(4);
+            const int frac = pick == 0 ? 0 : pick == 1 ? 4095 : random.Below(4096);
+            w = frac << 16 | (4096 - frac);
+        }
+        std::vector<BYTE> fast = random.Fill(static_cast<std::size_t>(bytes) + 2 * kGuard);
+        std::vector<BYTE> reference = fast;
+        xform::ShearPairsAvx2(fast.data() + kGuard, in.data(), above.data(), weights.data(), bytes);
+        xform::ShearPairsRef(reference.data() + kGuard, in.data(), above.data(), weights.data(),
+                             bytes);
+        ASSERT_EQ(fast, reference) << bytes << " bytes";
+    }
+}
+
+// The whole rotation through the reference kernels and through the fast ones.
+TEST(ShearRowKernel, RotationGivesTheSameBytesWithEitherKernelSet) {
+    if (!HasAvx2()) {
+        GTEST_SKIP() << "no AVX2 on this CPU";
+    }
+    for (const int bpp : {1, 3}) {
+        for (const double degrees : {-30.0, 7.0, 44.0}) {
+            const int w = 150, h = 97;
+            std::vector<BYTE> in(static_cast<std::size_t>(w) * h * bpp);
+            test::RandomBytes random(31u * bpp);
+            for (auto& b : in) {
+                b = random.Next();
+            }
+            const double radians = degrees * 3.141592653589793 / 180;
+            xform::ShearSizes sizes{};
+            ASSERT_TRUE(xform::ComputeShearSizes(w, h, radians, sizes));
+            const std::size_t outBytes = static_cast<std::size_t>(sizes.width) * sizes.height * bpp;
+            std::vector<BYTE> fast(outBytes), reference(outBytes);
+            const image::ConstPixelView src{in.data(), w * bpp, w, h, bpp, nullptr, 0};
+            const BYTE bg[3] = {9, 200, 77};
+            ASSERT_TRUE(xform::ShearRotateWith(
+                src, {fast.data(), sizes.width * bpp, sizes.width, sizes.height, bpp, nullptr, 0},
+                radians, sizes, bg, xform::ShearMode::Blend,
+                {xform::ShearRowAvx2, xform::ShearPairsAvx2}));
+            ASSERT_TRUE(xform::ShearRotateWith(
+                src,
+                {reference.data(), sizes.width * bpp, sizes.width, sizes.height, bpp, nullptr, 0},
+                radians, sizes, bg, xform::ShearMode::Blend,
+                {xform::ShearRowRef, xform::ShearPairsRef}));
+            ASSERT_EQ(fast, reference) << bpp << " bytes a pixel, " << degrees << " degrees";
+        }
+    }
 }
 
 }  // namespace
