@@ -7,12 +7,14 @@
 #include <cstdint>
 #include <memory>
 
+#include <vistrane/blend/image_luts.h>
 #include <vistrane/image/image.h>
 
 #include "image/pixel_view.h"
 #include "xform/free_xform.h"
 #include "xform/resample.h"
 #include "xform/rotate.h"
+#include "xform/seamless.h"
 
 namespace {
 
@@ -98,6 +100,17 @@ void BM_XformResampleDouble(benchmark::State& state) {
     RunResize<vistrane::xform::Resample>(state, kWidth * 2, kHeight * 2);
 }
 BENCHMARK(BM_XformResampleDouble)->Apply(Formats);
+
+bool ExpandWithReferenceRows(const vistrane::image::ConstPixelView& src,
+                             const vistrane::image::PixelView& dst) {
+    return vistrane::xform::ResampleExpandWith(src, dst, vistrane::xform::ExpandRowRef);
+}
+
+// The same enlargement through the plain row rule, beside the kernel the CPU dispatch picks.
+void BM_XformResampleDoubleReference(benchmark::State& state) {
+    RunResize<ExpandWithReferenceRows>(state, kWidth * 2, kHeight * 2);
+}
+BENCHMARK(BM_XformResampleDoubleReference)->Apply(Formats);
 
 void BM_XformDIBResizeThird(benchmark::State& state) {
     RunResize<vistrane::xform::ResizeNearest>(state, kWidth / 3, kHeight / 3);
@@ -186,5 +199,45 @@ BENCHMARK(BM_XformMaskFreeXForm)
     ->ArgNames({"bits24", "nearest"})
     ->ArgsProduct({{1, 0}, {0, 1}})
     ->Unit(benchmark::kMillisecond);
+
+// SeamlessPattern(10) as a host calls it: both fades and the crop into the tile. Each pass
+// works on a fresh copy of the picture, made outside the timing.
+void BM_XformSeamlessPattern(benchmark::State& state) {
+    const bool trueColor = state.range(0) != 0;
+    C_Image& picture = Picture(trueColor);
+    glb_CreateImageLUTs();
+    C_Image work;
+    for (auto _ : state) {
+        state.PauseTiming();
+        work.Clone(&picture);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(work.SeamlessPattern(10));
+    }
+    glb_ReleaseImageLUTs();
+    SetPixelRate(state);
+}
+BENCHMARK(BM_XformSeamlessPattern)->Apply(Formats);
+
+// The two fades of SeamlessPattern(10) alone, in place; their cost does not depend on the bytes.
+void BM_XformSeamlessCrossFade(benchmark::State& state) {
+    const bool trueColor = state.range(0) != 0;
+    C_Image& picture = Picture(trueColor);
+    int bandWidth = 0;
+    int bandHeight = 0;
+    if (!vistrane::xform::SeamlessBands(kWidth, kHeight, 10, bandWidth, bandHeight)) {
+        state.SkipWithError("bands");
+        return;
+    }
+    glb_CreateImageLUTs();
+    C_Image work;
+    work.Clone(&picture);
+    for (auto _ : state) {
+        vistrane::xform::SeamlessCrossFade(ViewOf(work), bandWidth, bandHeight, *glb_MultiplyLUT);
+        benchmark::ClobberMemory();
+    }
+    glb_ReleaseImageLUTs();
+    SetPixelRate(state);
+}
+BENCHMARK(BM_XformSeamlessCrossFade)->Apply(Formats);
 
 }  // namespace

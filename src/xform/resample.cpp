@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
@@ -86,69 +87,97 @@ Tap100 Tap100For(long long d, int n, int m) {
     return {c, nc, offset < 0 ? -offset : offset};
 }
 
-// term[w][p] = p * w / 100, truncated: one term of the expanding rule, looked up instead of
-// multiplied and divided (101 x 256 bytes, within the first-level cache).
-struct TermTable {
-    BYTE term[101][256];
-    TermTable() {
-        for (int w = 0; w <= 100; ++w) {
-            for (int p = 0; p < 256; ++p) {
-                term[w][p] = static_cast<BYTE>(p * w / 100);
-            }
-        }
-    }
+// Where the enlarging worker reads: per destination pixel the byte offsets of its own and its
+// neighbour source column, and per destination byte |fx|.
+struct ExpandColumns {
+    std::unique_ptr<std::int32_t[]> own;
+    std::unique_ptr<std::int32_t[]> side;
+    std::unique_ptr<std::uint16_t[]> ax;
 };
 
-const TermTable& Terms() {
-    static const TermTable table;
-    return table;
+// Copies the pixels at `offsets` of a source row into `out`, one after another. A 3-byte pixel
+// moves as 4 bytes, the fourth overwritten by the next pixel (`out` has one spare byte at the
+// end), except the row's last pixel, whose fourth byte may lie past the source buffer.
+void GatherPixels(const BYTE* row, int rowBytes, const std::int32_t* offsets, int count, int bpp,
+                  BYTE* out) {
+    if (bpp == 1) {
+        for (int x = 0; x < count; ++x) {
+            out[x] = row[offsets[x]];
+        }
+        return;
+    }
+    const int last = rowBytes - 3;
+    for (int x = 0; x < count; ++x, out += 3) {
+        const int o = offsets[x];
+        std::memcpy(out, row + o, o < last ? 4 : 3);
+    }
 }
 
-template <int Bpp>
-bool ExpandRows(const ConstPixelView& src, const PixelView& dst) {
-    const int w = src.width;
-    const int h = src.height;
+// Gathered source rows, one slot per source row index modulo 3: a destination row needs source
+// row r and r - 1 or r + 1, and r never falls as the destination row rises, so each source row
+// is gathered once and kept while the rows around it use it.
+class GatheredRows {
+  public:
+    bool Allocate(std::size_t bytes) {
+        m_Stride = bytes + 1;
+        m_Data = TryAllocate<BYTE>(m_Stride * 6);
+        return m_Data != nullptr;
+    }
+
+    // The own and neighbour-column rows of source row y.
+    const BYTE* Own(const ConstPixelView& src, const ExpandColumns& cols, int count, int y) {
+        return Fill(src, cols, count, y);
+    }
+    const BYTE* Side(const ConstPixelView& src, const ExpandColumns& cols, int count, int y) {
+        return Fill(src, cols, count, y) + m_Stride;
+    }
+
+  private:
+    BYTE* Fill(const ConstPixelView& src, const ExpandColumns& cols, int count, int y) {
+        const int slot = y % 3;
+        BYTE* own = m_Data.get() + static_cast<std::size_t>(slot) * 2 * m_Stride;
+        if (m_Rows[slot] != y) {
+            const BYTE* row = src.Row(y);
+            GatherPixels(row, src.RowBytes(), cols.own.get(), count, src.bytesPerPixel, own);
+            GatherPixels(row, src.RowBytes(), cols.side.get(), count, src.bytesPerPixel,
+                         own + m_Stride);
+            m_Rows[slot] = y;
+        }
+        return own;
+    }
+
+    std::size_t m_Stride = 0;
+    std::unique_ptr<BYTE[]> m_Data;
+    int m_Rows[3] = {-1, -1, -1};
+};
+
+bool ExpandRows(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel kernel) {
+    const int bpp = src.bytesPerPixel;
     const int dw = dst.width;
-    const TermTable& terms = Terms();
-    auto cols = TryAllocate<Tap100>(static_cast<std::size_t>(dw));
-    if (!cols) {
+    const std::size_t rowBytes = static_cast<std::size_t>(dst.RowBytes());
+    ExpandColumns cols{TryAllocate<std::int32_t>(static_cast<std::size_t>(dw)),
+                       TryAllocate<std::int32_t>(static_cast<std::size_t>(dw)),
+                       TryAllocate<std::uint16_t>(rowBytes)};
+    GatheredRows rows;
+    if (!cols.own || !cols.side || !cols.ax || !rows.Allocate(rowBytes)) {
         return false;
     }
     for (int x = 0; x < dw; ++x) {
-        const Tap100 t = Tap100For(x, w, dw);
-        cols[x] = {t.c * Bpp, t.nc * Bpp, t.a};
+        const Tap100 t = Tap100For(x, src.width, dw);
+        cols.own[x] = t.c * bpp;
+        cols.side[x] = t.nc * bpp;
+        std::fill_n(cols.ax.get() + static_cast<std::size_t>(x) * bpp, bpp,
+                    static_cast<std::uint16_t>(t.a));
     }
-    // The four weights depend only on ax and ay (0..50): per row, the term rows of wM (the
-    // pixel), wC (neighbour column), wR (neighbour row) and wD (diagonal) for every ax.
-    const BYTE* weights[51][4];
     for (int y = 0; y < dst.height; ++y) {
-        const Tap100 ty = Tap100For(y, h, dst.height);
-        const int ay = ty.a;
-        for (int ax = 0; ax <= 50; ++ax) {
-            const int wD = ay * ax / 100;
-            const int wR = (100 - ax) * ay / 100;
-            const int wC = (100 - ay) * ax / 100;
-            weights[ax][0] = terms.term[100 - wC - wR - wD];
-            weights[ax][1] = terms.term[wC];
-            weights[ax][2] = terms.term[wR];
-            weights[ax][3] = terms.term[wD];
-        }
-        const BYTE* row = src.Row(ty.c);
-        const BYTE* nrow = src.Row(ty.nc);
-        BYTE* out = dst.Row(y);
-        for (int x = 0; x < dw; ++x) {
-            const BYTE* const* wt = weights[cols[x].a];
-            const BYTE* p0 = row + cols[x].c;
-            const BYTE* pc = row + cols[x].nc;
-            const BYTE* pr = nrow + cols[x].c;
-            const BYTE* pd = nrow + cols[x].nc;
-            for (int ch = 0; ch < Bpp; ++ch) {
-                // Each term truncated on its own: the weights sum to 100, the result to 255.
-                out[ch] = static_cast<BYTE>(wt[0][p0[ch]] + wt[1][pc[ch]] + wt[2][pr[ch]] +
-                                            wt[3][pd[ch]]);
-            }
-            out += Bpp;
-        }
+        const Tap100 ty = Tap100For(y, src.height, dst.height);
+        const ExpandRowInputs in{rows.Own(src, cols, dw, ty.c),
+                                 rows.Side(src, cols, dw, ty.c),
+                                 rows.Own(src, cols, dw, ty.nc),
+                                 rows.Side(src, cols, dw, ty.nc),
+                                 cols.ax.get(),
+                                 ty.a};
+        kernel(dst.Row(y), static_cast<int>(rowBytes), in);
     }
     return true;
 }
@@ -280,13 +309,16 @@ bool ReduceXYRows(const ConstPixelView& src, const PixelView& dst) {
         BYTE* out = dst.Row(y);
         for (int x = 0; x < dw; ++x) {
             const Sum* column = acc.get() + static_cast<std::ptrdiff_t>(starts[x]) * Bpp;
-            const int cols = starts[x + 1] - starts[x];
-            for (int ch = 0; ch < Bpp; ++ch) {
-                std::uint64_t total = 0;
-                for (int i = 0; i < cols; ++i) {
-                    total += column[i * Bpp + ch];
+            const Sum* columnEnd = acc.get() + static_cast<std::ptrdiff_t>(starts[x + 1]) * Bpp;
+            // All channels of a box in one walk over its columns.
+            std::uint64_t total[Bpp] = {};
+            for (; column < columnEnd; column += Bpp) {
+                for (int ch = 0; ch < Bpp; ++ch) {
+                    total[ch] += column[ch];
                 }
-                out[x * Bpp + ch] = static_cast<BYTE>(Divide(total, divisors[x]));
+            }
+            for (int ch = 0; ch < Bpp; ++ch) {
+                out[x * Bpp + ch] = static_cast<BYTE>(Divide(total[ch], divisors[x]));
             }
         }
     }
@@ -307,10 +339,60 @@ ResampleWorker ChooseResampleWorker(int srcWidth, int srcHeight, int dstWidth, i
     return dstHeight >= srcHeight ? ResampleWorker::ReduceX : ResampleWorker::ReduceXY;
 }
 
-bool ResampleExpand(const ConstPixelView& src, const PixelView& dst) {
+// term[w][p] = p * w / 100, truncated: one term of the enlarging rule, looked up instead of
+// multiplied and divided (101 x 256 bytes, within the first-level cache).
+struct TermTable {
+    BYTE term[101][256];
+    TermTable() {
+        for (int w = 0; w <= 100; ++w) {
+            for (int p = 0; p < 256; ++p) {
+                term[w][p] = static_cast<BYTE>(p * w / 100);
+            }
+        }
+    }
+};
+
+void ExpandRowRef(BYTE* dst, int count, const ExpandRowInputs& in) {
+    static const TermTable table;
+    // The four weights depend only on ax and ay (0..50): for this row's ay, the term rows of
+    // wM (the pixel), wC (neighbour column), wR (neighbour row) and wD (diagonal) for every ax.
+    const int ay = in.ay;
+    const BYTE* weights[51][4];
+    for (int ax = 0; ax <= 50; ++ax) {
+        const int wD = ay * ax / 100;
+        const int wR = (100 - ax) * ay / 100;
+        const int wC = (100 - ay) * ax / 100;
+        weights[ax][0] = table.term[100 - wC - wR - wD];
+        weights[ax][1] = table.term[wC];
+        weights[ax][2] = table.term[wR];
+        weights[ax][3] = table.term[wD];
+    }
+    for (int i = 0; i < count; ++i) {
+        const BYTE* const* wt = weights[in.ax[i]];
+        // Each term truncated on its own: the weights sum to 100, the result to 255.
+        dst[i] = static_cast<BYTE>(wt[0][in.own[i]] + wt[1][in.side[i]] + wt[2][in.ownNext[i]] +
+                                   wt[3][in.sideNext[i]]);
+    }
+}
+
+ExpandRowKernel BestExpandRow() {
+#if defined(__x86_64__)
+    static const ExpandRowKernel best =
+        __builtin_cpu_supports("avx2") ? ExpandRowAvx2 : ExpandRowRef;
+    return best;
+#else
+    return ExpandRowRef;
+#endif
+}
+
+bool ResampleExpandWith(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel kernel) {
     assert(src.bytesPerPixel == dst.bytesPerPixel && !src.Empty() && !dst.Empty());
     assert(dst.width >= src.width && dst.height >= src.height);
-    return src.bytesPerPixel == 3 ? ExpandRows<3>(src, dst) : ExpandRows<1>(src, dst);
+    return ExpandRows(src, dst, kernel);
+}
+
+bool ResampleExpand(const ConstPixelView& src, const PixelView& dst) {
+    return ResampleExpandWith(src, dst, BestExpandRow());
 }
 
 bool ResampleReduceX(const ConstPixelView& src, const PixelView& dst) {

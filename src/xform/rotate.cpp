@@ -19,25 +19,46 @@ using image::PixelView;
 
 namespace {
 
-// Square tiles keep both the rows read and the rows written in the first-level cache.
-constexpr int kTurnTile = 32;
+// Square tiles keep the source rows read and the destination rows written in the first-level
+// cache: a tile is read one source row at a time, each row contiguous.
+constexpr int kTurnTile = 64;
 
+// Moves one pixel. A 3-byte pixel moves as 4 bytes where both the byte after the source pixel
+// and the byte after the destination pixel are known to exist (`wide`); the extra byte written
+// belongs to the next destination pixel, which the caller writes afterwards.
+template <int Bpp>
+inline void MovePixel(BYTE* out, const BYTE* in, bool wide) {
+    if (Bpp == 3 && wide) {
+        std::memcpy(out, in, 4);
+    } else {
+        std::memcpy(out, in, Bpp);
+    }
+}
+
+// Source pixel (c, r) goes to destination row `column`, position `position`, of every tile,
+// with the source rows of each tile taken in the order that makes the destination positions
+// rise, so that a 4-byte move's extra byte is always overwritten later.
 template <int Bpp>
 void QuarterTurnTiles(const ConstPixelView& src, const PixelView& dst, bool clockwise) {
     const int w = src.width;
     const int h = src.height;
-    for (int y0 = 0; y0 < dst.height; y0 += kTurnTile) {
-        const int y1 = std::min(y0 + kTurnTile, dst.height);
-        for (int x0 = 0; x0 < dst.width; x0 += kTurnTile) {
-            const int x1 = std::min(x0 + kTurnTile, dst.width);
-            for (int y = y0; y < y1; ++y) {
-                BYTE* out = dst.Row(y) + static_cast<std::ptrdiff_t>(x0) * Bpp;
-                // New row y is old column y (clockwise, read upward) or w - 1 - y (downward).
-                const int column = clockwise ? y : w - 1 - y;
-                const BYTE* in = src.firstRow + static_cast<std::ptrdiff_t>(column) * Bpp;
-                for (int x = x0; x < x1; ++x, out += Bpp) {
-                    const int row = clockwise ? h - 1 - x : x;
-                    std::memcpy(out, in + src.strideBytes * row, Bpp);
+    const int tiles = (h + kTurnTile - 1) / kTurnTile;
+    for (int t = 0; t < tiles; ++t) {
+        // Clockwise, destination position h - 1 - r rises as r falls: bottom tiles first.
+        const int r0 = clockwise ? std::max(0, h - (t + 1) * kTurnTile) : t * kTurnTile;
+        const int r1 = clockwise ? h - t * kTurnTile : std::min(h, (t + 1) * kTurnTile);
+        for (int c0 = 0; c0 < w; c0 += kTurnTile) {
+            const int c1 = std::min(c0 + kTurnTile, w);
+            for (int k = 0; k < r1 - r0; ++k) {
+                const int r = clockwise ? r1 - 1 - k : r0 + k;
+                const int position = clockwise ? h - 1 - r : r;
+                // The last destination position has no byte after it in the row.
+                const bool wideOut = position < h - 1;
+                const BYTE* in = src.Row(r) + static_cast<std::ptrdiff_t>(c0) * Bpp;
+                for (int c = c0; c < c1; ++c, in += Bpp) {
+                    const int row = clockwise ? c : w - 1 - c;
+                    MovePixel<Bpp>(dst.Row(row) + static_cast<std::ptrdiff_t>(position) * Bpp, in,
+                                   wideOut && c < w - 1);
                 }
             }
         }
@@ -153,26 +174,165 @@ void ShearLine(const BYTE* in, std::ptrdiff_t inStep, int n, BYTE* out, std::ptr
     }
 }
 
+// ShearLine for a row moved within a row: the run is contiguous on both sides, so the
+// blending rows go to a row kernel; the copying rows keep ShearLine.
+template <int Bpp, ShearMode Mode>
+void ShearRow(const BYTE* in, int n, BYTE* out, int length, SplitOffset offset, int disp,
+              const BYTE* bg, ShearRowKernel kernel) {
+    if constexpr (Mode == ShearMode::Copy) {
+        ShearLine<Bpp, Mode>(in, Bpp, n, out, Bpp, length, offset, disp, bg);
+    } else {
+        const int start = offset.whole + disp;
+        const int first = std::max(0, -start);
+        const int end = std::min(n, length - start);
+        const BYTE* prev = bg;
+        if (first < end) {
+            kernel(out + static_cast<std::ptrdiff_t>(start + first) * Bpp,
+                   in + static_cast<std::ptrdiff_t>(first) * Bpp, (end - first) * Bpp, Bpp, bg,
+                   offset.frac);
+            prev = in + static_cast<std::ptrdiff_t>(end - 1) * Bpp;
+        }
+        const int after = start + n;
+        if (offset.frac > 0 && after >= 0 && after < length) {
+            Blend12<Bpp>(out + static_cast<std::ptrdiff_t>(after) * Bpp, bg, prev, offset.frac);
+        }
+    }
+}
+
+// Columns sheared together by ShearColumns: 64 columns of 3 bytes span three cache lines of
+// each row, so the strip walks its rows of the buffers instead of one column at a time.
+constexpr int kShearStrip = 64;
+
+// ShearLine for the columns j0..j1 - 1 of a top-down buffer of `rowBytes` a row, source column
+// j moved by offsets[j] with displacement `disp` into a buffer of `length` rows. Each column
+// gets exactly ShearLine's writes in ShearLine's order; only the order between columns changes.
+template <int Bpp, ShearMode Mode>
+inline void ShearColumnPixel(BYTE* o, const BYTE* p, const BYTE* prev, int frac) {
+    if constexpr (Mode == ShearMode::Blend) {
+        Blend12<Bpp>(o, p, prev, frac);
+    } else {
+        std::memcpy(o, p, Bpp);
+    }
+}
+
+template <int Bpp, ShearMode Mode>
+void ShearColumns(const BYTE* in, int n, BYTE* out, std::ptrdiff_t rowBytes, int length,
+                  const SplitOffset* offsets, int j0, int j1, int disp, const BYTE* bg,
+                  ShearPairsKernel pairs) {
+    int start[kShearStrip];
+    int first[kShearStrip];
+    int end[kShearStrip];
+    int frac[kShearStrip];
+    std::ptrdiff_t target[kShearStrip];  // bytes from `out` to where source row 0 would land
+    const BYTE* prev[kShearStrip];
+    const int count = j1 - j0;
+    int low = n;
+    int high = 0;
+    int allFrom = 0;  // from here to allTo every column of the strip is on the line
+    int allTo = n;
+    for (int c = 0; c < count; ++c) {
+        start[c] = offsets[j0 + c].whole + disp;
+        first[c] = std::max(0, -start[c]);
+        end[c] = std::min(n, length - start[c]);
+        frac[c] = offsets[j0 + c].frac;
+        target[c] = rowBytes * start[c] + static_cast<std::ptrdiff_t>(j0 + c) * Bpp;
+        prev[c] = bg;
+        low = std::min(low, first[c]);
+        high = std::max(high, end[c]);
+        allFrom = std::max(allFrom, first[c]);
+        allTo = std::min(allTo, end[c]);
+    }
+    allTo = std::max(allTo, allFrom);
+    const BYTE* strip = in + static_cast<std::ptrdiff_t>(j0) * Bpp;
+    auto someColumns = [&](int from, int to) {
+        for (int i = from; i < to; ++i) {
+            const BYTE* row = strip + rowBytes * i;
+            for (int c = 0; c < count; ++c) {
+                if (i >= first[c] && i < end[c]) {
+                    ShearColumnPixel<Bpp, Mode>(out + (target[c] + rowBytes * i), row + c * Bpp,
+                                                prev[c], frac[c]);
+                    prev[c] = row + c * Bpp;
+                }
+            }
+        }
+    };
+    someColumns(low, allFrom);
+    int i0 = allFrom;
+    if constexpr (Mode == ShearMode::Blend) {
+        // Past the first row where all columns are on the line, every column blends with the
+        // pixel above it: the strip is one row operation, then each pixel goes to its line.
+        someColumns(allFrom, std::min(allFrom + 1, allTo));
+        std::int32_t weights[kShearStrip * Bpp];
+        BYTE blended[kShearStrip * Bpp];
+        for (int c = 0; c < count; ++c) {
+            for (int ch = 0; ch < Bpp; ++ch) {
+                weights[c * Bpp + ch] = frac[c] << 16 | (4096 - frac[c]);
+            }
+        }
+        for (int i = allFrom + 1; i < allTo; ++i) {
+            const BYTE* row = strip + rowBytes * i;
+            pairs(blended, row, row - rowBytes, weights, count * Bpp);
+            const std::ptrdiff_t down = rowBytes * i;
+            for (int c = 0; c < count; ++c) {
+                std::memcpy(out + (target[c] + down), blended + c * Bpp, Bpp);
+            }
+        }
+        if (allTo > allFrom) {
+            for (int c = 0; c < count; ++c) {
+                prev[c] = strip + rowBytes * (allTo - 1) + c * Bpp;
+            }
+        }
+        i0 = allTo;
+    }
+    for (int i = i0; i < allTo; ++i) {
+        const BYTE* row = strip + rowBytes * i;
+        const std::ptrdiff_t down = rowBytes * i;
+        for (int c = 0; c < count; ++c) {
+            ShearColumnPixel<Bpp, Mode>(out + (target[c] + down), row + c * Bpp, prev[c], frac[c]);
+            prev[c] = row + c * Bpp;
+        }
+    }
+    someColumns(allTo, high);
+    for (int c = 0; c < count; ++c) {
+        const int after = start[c] + n;
+        if (frac[c] > 0 && after >= 0 && after < length) {
+            BYTE* o = out + rowBytes * after + static_cast<std::ptrdiff_t>(j0 + c) * Bpp;
+            if constexpr (Mode == ShearMode::Blend) {
+                Blend12<Bpp>(o, bg, prev[c], frac[c]);
+            } else {
+                std::memcpy(o, bg, Bpp);
+            }
+        }
+    }
+}
+
 void FillBuffer(BYTE* buffer, std::size_t pixels, int bpp, const BYTE* bg) {
     if (bpp == 1) {
         std::memset(buffer, bg[0], pixels);
         return;
     }
-    for (std::size_t i = 0; i < pixels; ++i) {
-        std::memcpy(buffer + i * bpp, bg, static_cast<std::size_t>(bpp));
+    if (pixels == 0) {
+        return;
+    }
+    // One pixel, then the filled part copied onto the rest, doubling each time.
+    const std::size_t total = pixels * bpp;
+    std::memcpy(buffer, bg, static_cast<std::size_t>(bpp));
+    for (std::size_t filled = bpp; filled < total; filled *= 2) {
+        std::memcpy(buffer + filled, buffer, std::min(filled, total - filled));
     }
 }
 
 template <int Bpp, ShearMode Mode>
 bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double radians,
-                     const ShearSizes& z, const BYTE* bg) {
+                     const ShearSizes& z, const BYTE* bg, const ShearKernels& kernels) {
     const int w = src.width;
     const int h = src.height;
     const std::size_t firstPixels = static_cast<std::size_t>(z.firstWidth) * h;
     const std::size_t secondPixels = static_cast<std::size_t>(z.firstWidth) * z.height;
     std::unique_ptr<BYTE[]> first(new (std::nothrow) BYTE[firstPixels * Bpp]);
     std::unique_ptr<BYTE[]> second(new (std::nothrow) BYTE[secondPixels * Bpp]);
-    if (!first || !second) {
+    std::unique_ptr<SplitOffset[]> columnOffsets(new (std::nothrow) SplitOffset[z.firstWidth]);
+    if (!first || !second || !columnOffsets) {
         return false;
     }
     const bool positive = radians > 0;
@@ -182,23 +342,25 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
     for (int i = 0; i < h; ++i) {
         // h - i, not h - 1 - i: keeps the original shear offset.
         const double o = positive ? i * z.tanHalf : (h - i) * z.tanHalf;
-        ShearLine<Bpp, Mode>(src.Row(i), Bpp, w, first.get() + firstRow * i, Bpp, z.firstWidth,
-                             Split(o), 0, bg);
+        ShearRow<Bpp, Mode>(src.Row(i), w, first.get() + firstRow * i, z.firstWidth, Split(o), 0,
+                            bg, kernels.row);
     }
 
     FillBuffer(second.get(), secondPixels, Bpp, bg);
     for (int j = 0; j < z.firstWidth; ++j) {
-        const double o = positive ? (z.firstWidth - j) * z.sine : j * z.sine;
-        ShearLine<Bpp, Mode>(first.get() + static_cast<std::ptrdiff_t>(j) * Bpp, firstRow, h,
-                             second.get() + static_cast<std::ptrdiff_t>(j) * Bpp, firstRow,
-                             z.height, Split(o), -z.trim, bg);
+        columnOffsets[j] = Split(positive ? (z.firstWidth - j) * z.sine : j * z.sine);
+    }
+    for (int j0 = 0; j0 < z.firstWidth; j0 += kShearStrip) {
+        ShearColumns<Bpp, Mode>(first.get(), h, second.get(), firstRow, z.height,
+                                columnOffsets.get(), j0, std::min(j0 + kShearStrip, z.firstWidth),
+                                -z.trim, bg, kernels.pairs);
     }
 
     image::FillPixels(dst, bg);
     for (int i = 0; i < z.height; ++i) {
         const double o = positive ? i * z.tanHalf : (z.height - i) * z.tanHalf;
-        ShearLine<Bpp, Mode>(second.get() + firstRow * i, Bpp, z.firstWidth, dst.Row(i), Bpp,
-                             z.width, Split(o), -z.shift, bg);
+        ShearRow<Bpp, Mode>(second.get() + firstRow * i, z.firstWidth, dst.Row(i), z.width,
+                            Split(o), -z.shift, bg, kernels.row);
     }
     return true;
 }
@@ -220,18 +382,60 @@ bool ComputeShearSizes(int width, int height, double radians, ShearSizes& z) {
            z.width >= 1 && z.height >= 1;
 }
 
-bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
-                 const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
+void ShearRowRef(BYTE* out, const BYTE* in, int bytes, int bpp, const BYTE* prev, int frac) {
+    for (int j = 0; j < bytes; ++j) {
+        const int before = j < bpp ? prev[j] : in[j - bpp];
+        out[j] = static_cast<BYTE>((in[j] * (4096 - frac) + before * frac + 2048) >> 12);
+    }
+}
+
+ShearRowKernel BestShearRow() {
+#if defined(__x86_64__)
+    static const ShearRowKernel best = __builtin_cpu_supports("avx2") ? ShearRowAvx2 : ShearRowRef;
+    return best;
+#else
+    return ShearRowRef;
+#endif
+}
+
+void ShearPairsRef(BYTE* out, const BYTE* in, const BYTE* above, const std::int32_t* weights,
+                   int bytes) {
+    for (int j = 0; j < bytes; ++j) {
+        const int frac = weights[j] >> 16;
+        out[j] = static_cast<BYTE>((in[j] * (4096 - frac) + above[j] * frac + 2048) >> 12);
+    }
+}
+
+ShearPairsKernel BestShearPairs() {
+#if defined(__x86_64__)
+    static const ShearPairsKernel best =
+        __builtin_cpu_supports("avx2") ? ShearPairsAvx2 : ShearPairsRef;
+    return best;
+#else
+    return ShearPairsRef;
+#endif
+}
+
+bool ShearRotateWith(const ConstPixelView& src, const PixelView& dst, double radians,
+                     const ShearSizes& sizes, const BYTE* background, ShearMode mode,
+                     const ShearKernels& kernels) {
     assert(dst.width == sizes.width && dst.height == sizes.height);
     assert(src.bytesPerPixel == dst.bytesPerPixel);
     if (src.bytesPerPixel == 3) {
-        return mode == ShearMode::Blend
-                   ? ShearRotateRows<3, ShearMode::Blend>(src, dst, radians, sizes, background)
-                   : ShearRotateRows<3, ShearMode::Copy>(src, dst, radians, sizes, background);
+        return mode == ShearMode::Blend ? ShearRotateRows<3, ShearMode::Blend>(
+                                              src, dst, radians, sizes, background, kernels)
+                                        : ShearRotateRows<3, ShearMode::Copy>(
+                                              src, dst, radians, sizes, background, kernels);
     }
     return mode == ShearMode::Blend
-               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background)
-               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background);
+               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background, kernels)
+               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background, kernels);
+}
+
+bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
+                 const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
+    return ShearRotateWith(src, dst, radians, sizes, background, mode,
+                           ShearKernels{BestShearRow(), BestShearPairs()});
 }
 
 }  // namespace vistrane::xform

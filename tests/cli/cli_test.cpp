@@ -28,7 +28,7 @@ TEST_F(CliTest, VersionAndHelp) {
     const ToolRun help = Vistrane("--help");
     EXPECT_EQ(help.exitCode, 0);
     for (const char* command : {"info", "convert", "crop", "border", "warp", "demo", "trace",
-                                "text", "path", "select", "mask", "shape", "blit"}) {
+                                "text", "path", "select", "mask", "shape", "blit", "tile"}) {
         EXPECT_TRUE(Contains(help.out, command)) << command;
         const ToolRun commandHelp = Vistrane(std::string(command) + " --help");
         EXPECT_EQ(commandHelp.exitCode, 0) << command;
@@ -296,6 +296,16 @@ TEST_F(CliTest, DemoWritesThePictureInBothFormats) {
     C_Image warped;
     ASSERT_TRUE(LoadImageFile(Path("demo/warped.png"), warped).ok);
     EXPECT_GT(warped.Width(), 1200);
+    // The tile of 10 % bands is 1440 x 1080; its four copies are laid edge to edge.
+    C_Image tiled;
+    ASSERT_TRUE(LoadImageFile(Path("demo/tiled-2x2.png"), tiled).ok);
+    ASSERT_EQ(tiled.Width(), 2880);
+    ASSERT_EQ(tiled.Height(), 2160);
+    for (long y = 0; y < 1080; y += 7) {
+        for (long x = 0; x < 1440; x += 5) {
+            ASSERT_EQ(PixelOf(tiled, x, y), PixelOf(tiled, x + 1440, y + 1080)) << x << ", " << y;
+        }
+    }
 }
 
 }  // namespace

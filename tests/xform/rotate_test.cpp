@@ -51,7 +51,15 @@ unsigned Pixel(const C_Image& image, int x, int y) {
 
 TEST(QuarterTurn, FollowsTheIndexMappingsForEveryFormatAndOddSizes) {
     for (const Format& f : kFormats) {
-        for (const auto& [w, h] : {std::pair{1, 1}, {1, 7}, {7, 1}, {5, 3}, {33, 70}, {67, 41}}) {
+        for (const auto& [w, h] : {std::pair{1, 1},
+                                   {1, 7},
+                                   {7, 1},
+                                   {5, 3},
+                                   {33, 70},
+                                   {67, 41},
+                                   {4, 68},
+                                   {132, 65},
+                                   {65, 130}}) {
             C_Image image, right, left;
             Make(image, f.kind, w, h, 17u + w * h);
             ASSERT_EQ(right.Clone(&image), 1);
@@ -70,6 +78,41 @@ TEST(QuarterTurn, FollowsTheIndexMappingsForEveryFormatAndOddSizes) {
                 }
             }
             EXPECT_TRUE(test::SameColorTable(image, right));
+        }
+    }
+}
+
+// Unpadded top-down buffers with guard bytes on both sides: the turn moves 3-byte pixels four
+// bytes at a time where it can, and must neither read nor leave a byte outside the pictures.
+TEST(QuarterTurn, TouchesNothingOutsideUnpaddedBuffers) {
+    constexpr int kGuard = 16;
+    for (const int bpp : {1, 3}) {
+        for (const auto& [w, h] : {std::pair{1, 1}, {4, 3}, {65, 2}, {3, 130}, {70, 67}}) {
+            const std::size_t bytes = static_cast<std::size_t>(w) * h * bpp;
+            std::vector<BYTE> in(bytes + 2 * kGuard), out(bytes + 2 * kGuard, 0xA5);
+            for (std::size_t i = 0; i < in.size(); ++i) {
+                in[i] = static_cast<BYTE>(i * 37 + 11);
+            }
+            for (const bool clockwise : {true, false}) {
+                std::fill(out.begin(), out.end(), BYTE{0xA5});
+                const image::ConstPixelView src{in.data() + kGuard, w * bpp, w, h, bpp, nullptr, 0};
+                const image::PixelView dst{out.data() + kGuard, h * bpp, h, w, bpp, nullptr, 0};
+                xform::QuarterTurn(src, dst, clockwise);
+                for (int i = 0; i < kGuard; ++i) {
+                    ASSERT_EQ(out[i], 0xA5) << w << "x" << h << " guard before, byte " << i;
+                    ASSERT_EQ(out[kGuard + bytes + i], 0xA5) << w << "x" << h << " guard after";
+                }
+                for (int y = 0; y < w; ++y) {
+                    for (int x = 0; x < h; ++x) {
+                        const BYTE* got = dst.Pixel(x, y);
+                        const BYTE* want =
+                            clockwise ? src.Pixel(y, h - 1 - x) : src.Pixel(w - 1 - y, x);
+                        ASSERT_EQ(std::memcmp(got, want, bpp), 0)
+                            << bpp << " bytes, " << w << "x" << h
+                            << (clockwise ? " right" : " left") << " at (" << x << ", " << y << ")";
+                    }
+                }
+            }
         }
     }
 }
@@ -259,7 +302,8 @@ Buffer RefRotate(const C_Image& image, double a, const int* bg, bool blend) {
 TEST(ShearRotation, MatchesTheLiteralShearsForEveryFormatAngleAndSize) {
     for (const Format& f : kFormats) {
         for (const double degrees : {0.0, 1.0, -1.0, 17.5, -30.0, 30.0, 44.9, -45.0, 45.0}) {
-            for (const auto& [w, h] : {std::pair{1, 1}, {1, 9}, {9, 1}, {23, 17}, {40, 61}}) {
+            for (const auto& [w, h] :
+                 {std::pair{1, 1}, {1, 9}, {9, 1}, {23, 17}, {40, 61}, {150, 37}, {67, 130}}) {
                 C_Image image;
                 Make(image, f.kind, w, h, 5u + w * 3u + h);
                 image.SetBackTrueColor(RGB(200, 100, 50));

@@ -270,6 +270,29 @@ std::string PaintShapes(DemoContext& context) {
     return SaveInto(context, painted, "shapes.png");
 }
 
+// The seamless tile of the picture, 10 % bands, laid out 2 x 2 so that the seams between the
+// copies can be judged by eye.
+std::string WriteTiled(DemoContext& context) {
+    C_Image tile;
+    if (!tile.Clone(&context.picture)) {
+        return "not enough memory";
+    }
+    if (!tile.SeamlessPattern(10)) {
+        return "the tile cannot be made";
+    }
+    const long w = tile.Width();
+    const long h = tile.Height();
+    C_Image shown;
+    CSize size(2 * w, 2 * h);
+    if (!shown.CreateCloneColors(&tile, &size)) {
+        return "not enough memory";
+    }
+    for (int copy = 0; copy < 4; ++copy) {
+        shown.DibBlt(copy % 2 * w, copy / 2 * h, w, h, &tile, 0, 0, 0);
+    }
+    return SaveInto(context, shown, "tiled-2x2.png");
+}
+
 // An oval selection skewed and turned as a user would do it, by dragging the free transform
 // frame: SHIFT + CTRL on the bottom mid-point slides the bottom edge, then a drag outside the
 // frame with SHIFT turns it in 15-degree steps.
@@ -331,6 +354,7 @@ constexpr DemoStep kDemoSteps[] = {
     {"magic wand on the sky", SelectSky},
     {"show the selection", ShowSelection},
     {"paint shapes", PaintShapes},
+    {"seamless tile, shown 2 x 2", WriteTiled},
     {"free transform a selection", TransformSelection},
     {"release blend tables", ReleaseBlendTables},
     {"contact sheet", WriteContactSheet},

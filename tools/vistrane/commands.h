@@ -13,6 +13,7 @@ extern const Subcommand kResizeCommand;
 extern const Subcommand kRotateCommand;
 extern const Subcommand kCropCommand;
 extern const Subcommand kBorderCommand;
+extern const Subcommand kTileCommand;
 extern const Subcommand kWarpCommand;
 extern const Subcommand kXFormCommand;
 extern const Subcommand kTraceCommand;

@@ -22,10 +22,10 @@ const Subcommand* const kSubcommands[] = {
     &vistrane::cli::kMaskCommand,    &vistrane::cli::kShapeCommand,
     &vistrane::cli::kBlitCommand,    &vistrane::cli::kResizeCommand,
     &vistrane::cli::kRotateCommand,  &vistrane::cli::kCropCommand,
-    &vistrane::cli::kBorderCommand,  &vistrane::cli::kWarpCommand,
-    &vistrane::cli::kXFormCommand,   &vistrane::cli::kTraceCommand,
-    &vistrane::cli::kTextCommand,    &vistrane::cli::kPathCommand,
-    &vistrane::cli::kDemoCommand,
+    &vistrane::cli::kBorderCommand,  &vistrane::cli::kTileCommand,
+    &vistrane::cli::kWarpCommand,    &vistrane::cli::kXFormCommand,
+    &vistrane::cli::kTraceCommand,   &vistrane::cli::kTextCommand,
+    &vistrane::cli::kPathCommand,    &vistrane::cli::kDemoCommand,
 };
 
 void PrintToolHelp(std::FILE* out) {

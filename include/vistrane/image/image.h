@@ -456,6 +456,17 @@ class VISTRANE_API C_Image : public CObject {
     // image unchanged, when the new size is below 1 x 1 or memory is short.
     int AddBorders(long left, long top, long right, long bottom);
 
+    // ---- Geometric transforms: seamless pattern --------------------------------------------
+
+    // Turns the picture into a tile that repeats without seams: a band of percent per cent of
+    // the height (rounded to nearest) along the bottom is cross-faded into the top rows, one of
+    // percent per cent of the width along the right edge into the left columns, and the tile
+    // keeps the top-left (width - band) x (height - band) pixels. 24-bit and grey images only;
+    // needs glb_MultiplyLUT. 0, image unchanged, for other images, when the tables are not
+    // built, or when a band rounds to 0 or reaches the opposite edge; otherwise the result of
+    // the final CropTo (0 there means memory was short after the bands were faded).
+    int SeamlessPattern(int percent);
+
     // ---- Geometric transforms: four-corner free transform ----------------------------------
 
     // Maps the source rectangle of sourceMask (and of sourceImage when given) onto the
