@@ -60,7 +60,11 @@ int RunTrace(const Subcommand& command, const ParsedArgs& args) {
     }
     double tolerance = 1.0;
     if (args.Has("tolerance") && !ParseNumber(args.Value("tolerance"), tolerance)) {
-        return UsageError(command, "'" + args.Value("tolerance") + "' is not a number of pixels");
+        // Built by appending: GCC 12 at -O3 warns falsely about "'" + std::string + "..." here.
+        std::string message = "'";
+        message += args.Value("tolerance");
+        message += "' is not a number of pixels";
+        return UsageError(command, message);
     }
     if (tolerance < 0.5 || tolerance > 10.0) {
         std::fprintf(stderr, "vistrane trace: tolerance %g is outside 0.5 to 10; using %g\n",
