@@ -4,12 +4,12 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdint>
 #include <memory>
 
 #include <vistrane/blend/image_luts.h>
 #include <vistrane/image/image.h>
 
+#include "bench_support.h"
 #include "image/pixel_view.h"
 #include "xform/free_xform.h"
 #include "xform/resample.h"
@@ -21,26 +21,10 @@ namespace {
 using vistrane::image::AsConst;
 using vistrane::image::ViewOf;
 
-constexpr long kWidth = 4096;
-constexpr long kHeight = 3072;
-
-// Smooth gradients with a little noise, like a photograph.
-void FillPhotoLike(C_Image& image) {
-    const vistrane::image::PixelView view = ViewOf(image);
-    std::uint32_t state = 12345;
-    for (int y = 0; y < view.height; ++y) {
-        BYTE* row = view.Row(y);
-        for (int x = 0; x < view.width; ++x) {
-            state = state * 1664525u + 1013904223u;
-            BYTE* p = row + x * view.bytesPerPixel;
-            p[0] = static_cast<BYTE>(x / 16 + (state >> 29));
-            if (view.bytesPerPixel == 3) {
-                p[1] = static_cast<BYTE>(y / 12 + (state >> 30));
-                p[2] = static_cast<BYTE>((x + y) / 28);
-            }
-        }
-    }
-}
+using vistrane::bench::FillPhotoLike;
+using vistrane::bench::kHeight;
+using vistrane::bench::kWidth;
+using vistrane::bench::SetPixelRate;
 
 // range(0) = 1 for 24-bit, 0 for grey.
 C_Image& Picture(bool trueColor) {
@@ -67,11 +51,6 @@ std::unique_ptr<C_Image> Target(bool trueColor, long width, long height) {
         image->CreateMask(width, height);
     }
     return image;
-}
-
-void SetPixelRate(benchmark::State& state) {
-    state.counters["Mpix/s"] = benchmark::Counter(static_cast<double>(kWidth * kHeight) / 1e6,
-                                                  benchmark::Counter::kIsIterationInvariantRate);
 }
 
 void Formats(benchmark::internal::Benchmark* b) {
