@@ -3,6 +3,9 @@
 // CountColors. Each iteration works on the same image in place; the work per pixel does not
 // depend on the pixel values except through the tables.
 
+#include "filter/color_rows.h"
+#include "filter/lut_bytes.h"
+
 #include <vistrane/blend/image_luts.h>
 #include <vistrane/image/image.h>
 
@@ -146,6 +149,54 @@ void BM_FilterLUTColorOperationGrey(benchmark::State& state) {
 }
 BENCHMARK(BM_FilterLUTColorOperation)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FilterLUTColorOperationGrey)->Unit(benchmark::kMillisecond);
+
+// Three different tables, as an RGB offset or a user curve gives: no single-table shortcut.
+void BM_FilterLUTColorOperationThreeTables(benchmark::State& state) {
+    std::array<BYTE, 256> red, green, blue;
+    for (int i = 0; i < 256; ++i) {
+        red[i] = static_cast<BYTE>(255 - i);
+        green[i] = static_cast<BYTE>(i / 2 + 64);
+        blue[i] = static_cast<BYTE>(i * i / 255);
+    }
+    OnPicture(state, true, [&](C_Image& image) {
+        image.LUTColorOperation(red.data(), green.data(), blue.data(), nullptr);
+    });
+}
+BENCHMARK(BM_FilterLUTColorOperationThreeTables)->Unit(benchmark::kMillisecond);
+
+// The three-table rows side by side over the picture's rows: the plain pixel loop of the
+// colour rows (which masked operations still use) and the word row that unmasked ones run.
+template <typename Row>
+void ThreeTableRows(benchmark::State& state, Row row) {
+    std::array<BYTE, 256> red, green, blue;
+    for (int i = 0; i < 256; ++i) {
+        red[i] = static_cast<BYTE>(255 - i);
+        green[i] = static_cast<BYTE>(i / 2 + 64);
+        blue[i] = static_cast<BYTE>(i * i / 255);
+    }
+    auto lut = std::make_unique<vistrane::filter::BgrLut>();
+    vistrane::filter::FillBgrLut(*lut, blue.data(), green.data(), red.data());
+    const vistrane::filter::ChannelTables tables{red.data(), green.data(), blue.data()};
+    OnPicture(state, true, [&](C_Image& image) {
+        for (long y = 0; y < kHeight; ++y) {
+            row(image.PixelPtr(0, y), static_cast<int>(kWidth), tables, *lut);
+        }
+    });
+}
+void BM_FilterLutRowTrueColorPlain(benchmark::State& state) {
+    ThreeTableRows(state, [](BYTE* row, int count, const vistrane::filter::ChannelTables& tables,
+                             const vistrane::filter::BgrLut&) {
+        vistrane::filter::LutRowTrueColor(row, count, tables, nullptr, nullptr);
+    });
+}
+void BM_FilterLutBgrWords(benchmark::State& state) {
+    ThreeTableRows(state, [](BYTE* row, int count, const vistrane::filter::ChannelTables&,
+                             const vistrane::filter::BgrLut& lut) {
+        vistrane::filter::LutBgrWords(row, count, lut);
+    });
+}
+BENCHMARK(BM_FilterLutRowTrueColorPlain)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FilterLutBgrWords)->Unit(benchmark::kMillisecond);
 
 void BM_FilterHSVShift(benchmark::State& state) {
     int shifts[3] = {30, 0, 0};

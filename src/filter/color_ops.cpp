@@ -43,6 +43,14 @@ void ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
         }
         return;
     }
+    if (args.op == ColorRowOp::kLut && mask.Empty()) {
+        auto lut = std::make_unique<BgrLut>();
+        FillBgrLut(*lut, args.tables.blue, args.tables.green, args.tables.red);
+        for (int y = 0; y < view.height; ++y) {
+            LutBgrWords(view.Row(y), view.width, *lut);
+        }
+        return;
+    }
     std::vector<BYTE> scratch(static_cast<std::size_t>(view.width) * 3);
     std::unique_ptr<HsvShifter> hsvShifter;
     if (args.op == ColorRowOp::kShiftHsv && !grey) {

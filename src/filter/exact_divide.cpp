@@ -4,7 +4,7 @@
 
 namespace vistrane::filter {
 
-ExactDivider::ExactDivider(std::int32_t d) {
+ExactDivider::ExactDivider(std::int32_t d) : m_Divisor(d) {
     assert(d != 0);
     if (d == 1 || d == -1) {
         m_Trivial = d;

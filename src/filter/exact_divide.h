@@ -27,6 +27,8 @@ class ExactDivider {
         return q + static_cast<std::int32_t>(static_cast<std::uint32_t>(q) >> 31);
     }
 
+    std::int32_t Divisor() const { return m_Divisor; }
+
     // The parts of the rule, for vector forms of Divide.
     std::int32_t Magic() const { return m_Magic; }
     std::int32_t Shift() const { return m_Shift; }
@@ -34,6 +36,7 @@ class ExactDivider {
     std::int32_t Trivial() const { return m_Trivial; }
 
   private:
+    std::int32_t m_Divisor = 0;
     std::int32_t m_Magic = 0;
     std::int32_t m_Shift = 0;
     std::int32_t m_Correction = 0;  // +1, -1 or 0: the n added after the high multiply

@@ -1,5 +1,7 @@
 #include "filter/hsv_shift.h"
 
+#include "blend/blend_dispatch.h"
+
 #include <algorithm>
 
 namespace vistrane::filter {
@@ -36,9 +38,22 @@ HsvShifter::HsvShifter(int hueShift, int saturationShift, int valueShift)
                 static_cast<std::int8_t>(FloorDiv(2 * kSector * difference + delta, 2 * delta));
         }
     }
+#if defined(__x86_64__) || defined(__i386__)
+    if (blend::BestKernelSet() == blend::KernelSet::kAvx2) {
+        m_Fast = ShiftHsvAvx2;
+    }
+#endif
 }
 
 void HsvShifter::Apply(BYTE* pixels, int count) const {
+    if (m_Fast != nullptr) {
+        m_Fast(pixels, count, *this);
+    } else {
+        ApplyRef(pixels, count);
+    }
+}
+
+void HsvShifter::ApplyRef(BYTE* pixels, int count) const {
     for (int i = 0; i < count; ++i) {
         BYTE* px = pixels + 3 * i;
         const int r = px[2], g = px[1], b = px[0];

@@ -47,12 +47,13 @@ int C_Image::FilterImage(BLENDMODES mode, unsigned char opacity, int blendOption
     const vistrane::filter::Plane target = PlaneAt(vistrane::image::ViewOf(*this), x, y);
     const vistrane::filter::Plane maskPlane =
         mask != nullptr ? PlaneAt(vistrane::image::ViewOf(*mask), x, y) : vistrane::filter::Plane{};
-    const vistrane::filter::FilterSettings settings{kernel, divisor, offset, type, opacity, bpp};
+    vistrane::filter::FilterSettings settings{kernel, divisor, offset, type, opacity, bpp};
     const vistrane::blend::ImageKind kind = IsTrueColor()
                                                 ? vistrane::blend::ImageKind::kTrueColor
                                                 : vistrane::blend::ImageKind::kGreyEditable;
-    const vistrane::blend::RowBlender blender =
-        vistrane::blend::FastRowBlender(vistrane::blend::FilterSelectorMode(mode, kind), bpp);
+    const int blendMode = vistrane::blend::FilterSelectorMode(mode, kind);
+    settings.blendTakesFilterColour = blendMode == BLENDMODE_NORMAL;
+    const vistrane::blend::RowBlender blender = vistrane::blend::FastRowBlender(blendMode, bpp);
     vistrane::blend::BlendContext context{m_BlendModeOption, &m_Helper};
     const auto merge = vistrane::blend::MergeRowFor(bpp, vistrane::blend::BestKernelSet());
     try {

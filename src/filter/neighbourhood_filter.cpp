@@ -15,7 +15,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace vistrane::filter {
@@ -146,6 +148,22 @@ void BorderedRow(BYTE* dst, const BYTE* src, int width, int borderX, int bpp) {
            borderX, bpp);
 }
 
+// Whether the bytes that `rows` rows of `rowBytes` bytes span from `a` and from `b` are apart,
+// for either sign of stride.
+bool Apart(Plane a, Plane b, int rows, std::size_t rowBytes) {
+    auto span = [&](Plane p) {
+        const auto first = reinterpret_cast<std::uintptr_t>(p.first);
+        const std::ptrdiff_t reach = p.stride * (rows - 1);
+        const std::uintptr_t low = reach < 0 ? first - static_cast<std::uintptr_t>(-reach) : first;
+        const std::uintptr_t high =
+            (reach < 0 ? first : first + static_cast<std::uintptr_t>(reach)) + rowBytes;
+        return std::pair{low, high};
+    };
+    const auto [aLow, aHigh] = span(a);
+    const auto [bLow, bHigh] = span(b);
+    return aHigh <= bLow || bHigh <= aLow;
+}
+
 }  // namespace
 
 void RefreshBorderedCopy(Plane buffer, Plane source, int borderX, int borderY, int x, int y,
@@ -181,8 +199,21 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
     const ExactDivider divider(settings.divisor);
     const ConvolveBytesFn convolve = BestConvolveBytes();
     const bool fullOpacity = mask.first == nullptr && settings.opacity == 255;
+    // The blend would copy the colours unchanged, so the convolution writes into the target,
+    // unless the caller's buffer shares bytes with it (the colours must then come from the
+    // buffer as it was before the row was written, as they do through the colour row).
+    const int bufferRows = height + 6;
+    const bool direct =
+        fullOpacity && byteWise && settings.blendTakesFilterColour &&
+        Apart(target, Plane{buffer.Row(-3) - 3 * settings.bytesPerPixel, buffer.stride}, bufferRows,
+              rowBytes + 6 * settings.bytesPerPixel);
     for (int y = 0; y < height; ++y) {
         BYTE* row = target.Row(y);
+        if (direct) {
+            FilteredRowByteWise(buffer.Row(y), static_cast<int>(rowBytes), taps.data(), nTaps,
+                                settings, divider, convolve, filterColour, row);
+            continue;
+        }
         if (byteWise) {
             FilteredRowByteWise(buffer.Row(y), static_cast<int>(rowBytes), taps.data(), nTaps,
                                 settings, divider, convolve, filterColour, colours.data());

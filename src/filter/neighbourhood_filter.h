@@ -35,6 +35,9 @@ struct FilterSettings {
     int type = kFilterPerChannel;
     BYTE opacity = 255;
     int bytesPerPixel = 3;
+    // The blend kernel's result is the filter colour itself (normal mode), so at full opacity
+    // without a mask the filtered colours may be written straight into the target.
+    bool blendTakesFilterColour = false;
 };
 
 // Fills a bordered copy: buffer pixel (borderX + i, borderY + j) = source pixel (x + i, y + j)

@@ -114,6 +114,48 @@ TEST_F(ImageFilter, APreparedBufferGivesTheSameResult) {
     EXPECT_TRUE(vistrane::test::SamePixels(image, copy));
 }
 
+// Normal mode at full opacity without a mask writes the filtered colours straight into the
+// image. A prepared buffer gives the banded path's bytes, and an image that is its own buffer
+// (its rows are read while they are being written) gives the bytes of the blend-and-merge path,
+// which an all-selecting mask takes.
+TEST_F(ImageFilter, TheDirectWriteMatchesTheBlendPath) {
+    C_Image image;
+    ASSERT_EQ(image.Create(75, 40, 1, nullptr, 0), 1);
+    vistrane::test::FillRandomPixels(image, 21);
+    C_Image all;
+    ASSERT_EQ(all.CreateMask(75, 40), 1);
+    for (long y = 0; y < 40; ++y) {
+        std::fill(all.PixelPtr(0, y), all.PixelPtr(0, y) + 75, BYTE{255});
+    }
+    int kernel[49];
+    for (int i = 0; i < 49; ++i) {
+        kernel[i] = i % 5 - 2;  // sums near 0, so the offset 128 keeps results off the clamps
+    }
+    C_Image banded, prepared, buffer;
+    ASSERT_EQ(banded.Clone(&image), 1);
+    ASSERT_EQ(prepared.Clone(&image), 1);
+    ASSERT_EQ(buffer.PrepareFilterBuffer(3, 3, 4, 3, 67, 33, &image), 1);
+    ASSERT_EQ(banded.FilterImage(BLENDMODE_NORMAL, 255, 0, 4, 3, 67, 33, nullptr, kernel, 128, 3,
+                                 FILTER_PER_CHANNEL, nullptr, 0, 0),
+              1);
+    ASSERT_EQ(prepared.FilterImage(BLENDMODE_NORMAL, 255, 0, 4, 3, 67, 33, nullptr, kernel, 128, 3,
+                                   FILTER_PER_CHANNEL, &buffer, 3, 3),
+              1);
+    EXPECT_TRUE(vistrane::test::SamePixels(banded, prepared));
+
+    C_Image selfRead, selfReadMasked;
+    ASSERT_EQ(selfRead.Clone(&image), 1);
+    ASSERT_EQ(selfReadMasked.Clone(&image), 1);
+    ASSERT_EQ(selfRead.FilterImage(BLENDMODE_NORMAL, 255, 0, 4, 3, 67, 33, nullptr, kernel, 128, 3,
+                                   FILTER_PER_CHANNEL, &selfRead, 4, 3),
+              1);
+    ASSERT_EQ(selfReadMasked.FilterImage(BLENDMODE_NORMAL, 255, 0, 4, 3, 67, 33, &all, kernel, 128,
+                                         3, FILTER_PER_CHANNEL, &selfReadMasked, 4, 3),
+              1);
+    EXPECT_TRUE(vistrane::test::SamePixels(selfRead, selfReadMasked));
+    EXPECT_FALSE(vistrane::test::SamePixels(selfRead, banded));
+}
+
 TEST_F(ImageFilter, RefusesPaletteImagesAndAcceptsEmptyRectangles) {
     const RGBQUAD colours[2] = {{0, 0, 0, 0}, {255, 255, 255, 0}};
     C_Image palette;
