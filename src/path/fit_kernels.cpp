@@ -66,8 +66,17 @@ bool HasSse2FitKernels() {
 #endif
 }
 
+bool HasAvx2FitKernels() {
+    static const bool has = __builtin_cpu_supports("avx2") != 0;
+    return has;
+}
+
 const FitKernels& BestFitKernels() {
+    static const FitKernels avx2{NewtonPassAvx2, LeastSquaresPassAvx2, MaxErrorPassAvx2};
     static const FitKernels sse2{NewtonPassSse2, LeastSquaresPassSse2, MaxErrorPassSse2};
+    if (HasAvx2FitKernels()) {
+        return avx2;
+    }
     return HasSse2FitKernels() ? sse2 : RefFitKernels();
 }
 

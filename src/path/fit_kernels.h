@@ -5,8 +5,8 @@
 // the largest squared distance. Each has a plain reference, which defines the bits, and an SSE2
 // form that carries two anchors per register through exactly the same IEEE operations in the
 // same order (no contraction, correctly rounded division and square root), so it gives the
-// same bits; the sums are still added one anchor at a time, in order. The SSE2 forms hand an
-// odd last anchor to the reference.
+// same bits; the sums are still added one anchor at a time, in order. An AVX2 form does the
+// same with four anchors. Both hand the tail to the reference.
 
 #include "path/bezier_eval.h"
 
@@ -65,10 +65,20 @@ void LeastSquaresPassSse2(const LeastSquaresEnds& e, const double* x, const doub
 bool MaxErrorPassSse2(const CubicControls& c, const double* x, const double* y, const double* u,
                       int n, double stopAt, double& maxDist, int& at);
 
-// The reference set, and the fastest set this build and processor run.
+void NewtonPassAvx2(const CubicControls& c, const CubicDerivatives& d, const double* x,
+                    const double* y, double* u, int n);
+void LeastSquaresPassAvx2(const LeastSquaresEnds& e, const double* x, const double* y,
+                          const double* u, int n, LeastSquaresSums& sums);
+bool MaxErrorPassAvx2(const CubicControls& c, const double* x, const double* y, const double* u,
+                      int n, double stopAt, double& maxDist, int& at);
+
+// The reference set, and the fastest set this build and processor run: AVX2 where the
+// processor has it, else SSE2, else the reference.
 const FitKernels& RefFitKernels();
 const FitKernels& BestFitKernels();
 // Whether the SSE2 set is compiled in (every x86-64 build).
 bool HasSse2FitKernels();
+// Whether the processor runs the AVX2 set.
+bool HasAvx2FitKernels();
 
 }  // namespace vistrane::path
