@@ -12,6 +12,7 @@
 
 #include <vistrane/path/point_path.h>
 
+#include "path/contour_rows.h"
 #include "path/contour_trace.h"
 
 namespace {
@@ -129,25 +130,15 @@ long MarkEdgePixels(const unsigned char* mask, long maskScan, unsigned char* inn
                     long width, long height) {
     // The same bytes as marking interior pixels 254 and edge pixels 255 in place and then
     // clearing everything below 255, computed in one pass from the source mask. The rows above
-    // the first and below the last read as unselected; the loop body is branch-free so that
-    // the compiler can vectorise it.
+    // the first and below the last read as unselected.
+    const MarkEdgeRowFunction markRow = BestContourRowKernels().markEdgeRow;
     std::vector<unsigned char> empty(static_cast<size_t>(width), 0);
     long edges = 0;
     for (long y = 0; y < height; ++y) {
         const unsigned char* row = mask - y * maskScan;
         const unsigned char* up = y > 0 ? row + maskScan : empty.data();
         const unsigned char* down = y + 1 < height ? row - maskScan : empty.data();
-        unsigned char* out = inner - y * scan;
-        for (long x = 0; x < width; ++x) {
-            const unsigned left = x > 0 ? row[x - 1] : 0;
-            const unsigned right = x + 1 < width ? row[x + 1] : 0;
-            const unsigned isEdge =
-                static_cast<unsigned>(row[x] != 0) &
-                (static_cast<unsigned>(left == 0) | static_cast<unsigned>(right == 0) |
-                 static_cast<unsigned>(up[x] == 0) | static_cast<unsigned>(down[x] == 0));
-            out[x] = static_cast<unsigned char>(0u - isEdge);  // 1 -> 255, 0 -> 0
-            edges += isEdge;
-        }
+        edges += markRow(row, up, down, inner - y * scan, 0, width, width);
     }
     return edges;
 }
@@ -200,9 +191,7 @@ CB_ContourFollowResult TraceEdgePixels(C_ContourBug* bug, unsigned char* inner, 
                 // border bytes) form one run of memory.
                 unsigned char* first = inner - labelledBottom * scan - 1;
                 unsigned char* end = inner - labelledTop * scan + width + 1;
-                for (unsigned char* p = first; p != end; ++p) {
-                    *p = static_cast<unsigned char>(0u - static_cast<unsigned>(*p == kEdge));
-                }
+                BestContourRowKernels().keepEdges(first, end - first);
                 label = kFirstLabel;
                 labelledTop = -1;
                 labelledBottom = -1;

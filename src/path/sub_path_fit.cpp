@@ -19,15 +19,20 @@
 //  - a zero chord total is not guarded: coincident anchors give non-finite parameters, which
 //    make every comparison false, so the range is accepted with zero offsets.
 //
-// Cost: one parameter array per call; each range costs O(n) per round (at most 4 rounds), and
-// splitting makes the whole fit O(n log n) for typical strokes.
+// Cost: one work array per call; each range costs O(n) per round (at most 4 rounds), and
+// splitting makes the whole fit O(n log n) for typical strokes. The work array holds, beside
+// the parameters, the anchors as doubles and the chord lengths, each computed once per call
+// instead of once per round and range, so that the per-anchor passes (fit_kernels.h) read
+// packed doubles.
 
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
 #include <vistrane/path/sub_path.h>
 
 #include "path/bezier_eval.h"
+#include "path/fit_kernels.h"
 
 namespace {
 
@@ -41,6 +46,22 @@ C_2DVector Anchor(const S_PathPoint* points, int i) {
 C_2DVector UnitOrDefault(C_2DVector v) {
     v.Normalize();
     return v.IsNull() ? kNullTangent : v;
+}
+
+// m_FitParams holds four arrays of m_Count doubles, all indexed by point: the parameters, the
+// anchors' x and y, and the chord length from the previous anchor.
+constexpr size_t kFitArrays = 4;
+
+struct FitArrays {
+    double* u;
+    double* x;
+    double* y;
+    double* chord;
+};
+
+FitArrays Arrays(double* work, int count) {
+    const size_t n = static_cast<size_t>(count);
+    return {work, work + n, work + 2 * n, work + 3 * n};
 }
 
 void ClearBits(unsigned char& bits, unsigned char mask) {
@@ -62,9 +83,20 @@ void C_SubPath::Simplify(double error, int first, int last) {
                 m_Points[i].m_Attributes |= PPA_LINKED_DIRECTIONS;
             }
         } else {
-            m_FitParams =
-                static_cast<double*>(std::malloc(static_cast<size_t>(m_Count) * sizeof(double)));
+            m_FitParams = static_cast<double*>(
+                std::malloc(static_cast<size_t>(m_Count) * kFitArrays * sizeof(double)));
             if (m_FitParams != nullptr) {
+                const FitArrays a = Arrays(m_FitParams, m_Count);
+                for (int i = first; i <= last; ++i) {
+                    a.x[i] = m_Points[i].m_Anchor.x;
+                    a.y[i] = m_Points[i].m_Anchor.y;
+                }
+                // The same operations as (A[i] - A[i-1]).Magnitude().
+                for (int i = first + 1; i <= last; ++i) {
+                    const double dx = a.x[i] - a.x[i - 1];
+                    const double dy = a.y[i] - a.y[i - 1];
+                    a.chord[i] = std::sqrt(dx * dx + dy * dy);
+                }
                 SelectAll(0);
                 for (int i = first; i <= last; ++i) {
                     m_Points[i].m_Flags = PPF_SELECTED;
@@ -138,30 +170,19 @@ void C_SubPath::FitCubic(int first, int last, C_2DVector tHat1, C_2DVector tHat2
 }
 
 void C_SubPath::GenerateBezier(int first, int last, C_2DVector tHat1, C_2DVector tHat2) {
-    const double* u = m_FitParams;
+    const FitArrays a = Arrays(m_FitParams, m_Count);
     const C_2DVector a0 = Anchor(m_Points, first);
     const C_2DVector a3 = Anchor(m_Points, last);
-    double c00 = 0.0;
-    double c01 = 0.0;
-    double c11 = 0.0;
-    double x0 = 0.0;
-    double x1 = 0.0;
-    for (int i = first; i <= last; ++i) {
-        const double b = u[i];
-        const double s = 1.0 - b;
-        const double b0 = s * s * s;
-        const double b1 = 3.0 * b * s * s;
-        const double b2 = 3.0 * b * b * s;
-        const double b3 = b * b * b;
-        const C_2DVector v1 = tHat1 * b1;
-        const C_2DVector v2 = tHat2 * b2;
-        c00 += v1.DotProduct(v1);
-        c01 += v1.DotProduct(v2);
-        c11 += v2.DotProduct(v2);
-        const C_2DVector tmp = Anchor(m_Points, i) - (a0 * (b0 + b1) + a3 * (b2 + b3));
-        x0 += v1.DotProduct(tmp);
-        x1 += v2.DotProduct(tmp);
-    }
+    const vistrane::path::LeastSquaresEnds ends{tHat1.m_X, tHat1.m_Y, tHat2.m_X, tHat2.m_Y,
+                                                a0.m_X,    a0.m_Y,    a3.m_X,    a3.m_Y};
+    vistrane::path::LeastSquaresSums sums;
+    vistrane::path::BestFitKernels().leastSquares(ends, a.x + first, a.y + first, a.u + first,
+                                                  last - first + 1, sums);
+    const double c00 = sums.c00;
+    const double c01 = sums.c01;
+    const double c11 = sums.c11;
+    const double x0 = sums.x0;
+    const double x1 = sums.x1;
     double detC0C1 = c00 * c11 - c01 * c01;
     const double detC0X = c00 * x1 - c01 * x0;
     const double detXC1 = x0 * c11 - x1 * c01;
@@ -181,10 +202,11 @@ void C_SubPath::GenerateBezier(int first, int last, C_2DVector tHat1, C_2DVector
 }
 
 void C_SubPath::Parametrize(int first, int last) {
-    double* u = m_FitParams;
+    const FitArrays a = Arrays(m_FitParams, m_Count);
+    double* u = a.u;
     u[first] = 0.0;
     for (int i = first + 1; i <= last; ++i) {
-        u[i] = u[i - 1] + (Anchor(m_Points, i) - Anchor(m_Points, i - 1)).Magnitude();
+        u[i] = u[i - 1] + a.chord[i];
     }
     const double total = u[last];
     u[last] = 1.0;
@@ -198,9 +220,9 @@ void C_SubPath::ReParametrize(int first, int last) {
     const vistrane::path::CubicControls c =
         vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
     const vistrane::path::CubicDerivatives d = vistrane::path::Derivatives(c);
-    for (int i = first; i <= last; ++i) {
-        vistrane::path::NewtonStep(c, d, Anchor(m_Points, i), m_FitParams[i]);
-    }
+    const FitArrays a = Arrays(m_FitParams, m_Count);
+    vistrane::path::BestFitKernels().newton(c, d, a.x + first, a.y + first, a.u + first,
+                                            last - first + 1);
 }
 
 void C_SubPath::NewtonRaphsonRootFind(int first, int last, double* u, const S_PathPoint* p) const {
@@ -217,24 +239,21 @@ double C_SubPath::ComputeMaxError(int first, int last, int* split, double stopAt
     *split = (first + 1 + last) / 2;
     const vistrane::path::CubicControls c =
         vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
+    const FitArrays a = Arrays(m_FitParams, m_Count);
     double maxDist = 0.0;
-    for (int i = first + 1; i < last; ++i) {
-        // Newton leaves parameters unclamped, and on outlines that fold back on themselves (a
-        // one-pixel spur traced out and back) it can carry one outside [0, 1], where the cubic's
-        // extension passes near an anchor that the segment itself misses. Measuring at the
-        // clamped parameter bounds the distance to the segment from above, so an accepted fit
-        // keeps every anchor within the error. A NaN parameter measures at t = 0.
-        const double u = m_FitParams[i];
-        const double t = u > 1.0 ? 1.0 : (u >= 0.0 ? u : 0.0);
-        const double d = (vistrane::path::EvalCubic(c, t) - Anchor(m_Points, i)).SelfDotProduct();
-        // Ties go to the later point. A NaN distance never compares, so it cannot be chosen.
-        if (d >= maxDist) {
-            maxDist = d;
-            *split = i;
-            if (d >= stopAt) {
-                break;
-            }
-        }
+    int at = -1;
+    // Newton leaves parameters unclamped, and on outlines that fold back on themselves (a
+    // one-pixel spur traced out and back) it can carry one outside [0, 1], where the cubic's
+    // extension passes near an anchor that the segment itself misses. Measuring at the
+    // clamped parameter bounds the distance to the segment from above, so an accepted fit
+    // keeps every anchor within the error.
+    if (last - first > 1) {
+        vistrane::path::BestFitKernels().maxError(c, a.x + first + 1, a.y + first + 1,
+                                                  a.u + first + 1, last - first - 1, stopAt,
+                                                  maxDist, at);
+    }
+    if (at >= 0) {
+        *split = first + 1 + at;
     }
     return maxDist;
 }
