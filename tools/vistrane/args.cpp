@@ -54,7 +54,8 @@ bool ParseArgs(std::span<char* const> arguments, std::span<const OptionSpec> opt
         } else if (i + 1 < arguments.size()) {
             value = arguments[++i];
         } else {
-            error = "option '--" + std::string(name) + "' needs a value (" + declared->valueName + ")";
+            error =
+                "option '--" + std::string(name) + "' needs a value (" + declared->valueName + ")";
             return false;
         }
         parsed.m_Options[std::string(name)] = value;
