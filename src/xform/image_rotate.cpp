@@ -57,67 +57,51 @@ int C_Image::CommonRotate(int right) {
     return 1;
 }
 
-int C_Image::Rotate1To359(int degrees) {
-    int d = degrees < 0 ? degrees + 360 : degrees;
+namespace {
+
+// Brings an angle in degrees to at most 45 either way with flips and quarter turns, which are
+// exact, and leaves the rest to `shear`; whole-degree and double turns decompose alike.
+template <typename Degrees, typename Shear>
+int RotateByDecomposition(C_Image& image, Degrees degrees, Shear shear) {
+    Degrees d = degrees < 0 ? degrees + 360 : degrees;
     if (d == 90) {
-        return RotateRight();
+        return image.RotateRight();
     }
     if (d == 270) {
-        return RotateLeft();
+        return image.RotateLeft();
     }
     if (d >= 180) {
-        FlipHorizontal();
-        FlipVertical();
+        image.FlipHorizontal();
+        image.FlipVertical();
         if (d == 180) {
             return 1;
         }
         d -= 180;
     }
-    // Quarter turns bring the sheared part within 45 degrees either way.
     if (d > 90) {
-        if (!RotateRight()) {
+        if (!image.RotateRight()) {
             return 0;
         }
         d -= 90;
     }
     if (d > 45) {
-        if (!RotateRight()) {
+        if (!image.RotateRight()) {
             return 0;
         }
         d -= 90;
     }
-    return InternalRotate(d);
+    return shear(d);
+}
+
+}  // namespace
+
+int C_Image::Rotate1To359(int degrees) {
+    return RotateByDecomposition(*this, degrees, [this](int d) { return InternalRotate(d); });
 }
 
 int C_Image::Rotate1To359Double(double degrees) {
-    double d = degrees < 0 ? degrees + 360 : degrees;
-    if (d == 90) {
-        return RotateRight();
-    }
-    if (d == 270) {
-        return RotateLeft();
-    }
-    if (d >= 180) {
-        FlipHorizontal();
-        FlipVertical();
-        if (d == 180) {
-            return 1;
-        }
-        d -= 180;
-    }
-    if (d > 90) {
-        if (!RotateRight()) {
-            return 0;
-        }
-        d -= 90;
-    }
-    if (d > 45) {
-        if (!RotateRight()) {
-            return 0;
-        }
-        d -= 90;
-    }
-    return InternalRotateDouble(kPi * d * -kOneOver180);
+    return RotateByDecomposition(
+        *this, degrees, [this](double d) { return InternalRotateDouble(kPi * d * -kOneOver180); });
 }
 
 int C_Image::InternalRotate(int degrees) {

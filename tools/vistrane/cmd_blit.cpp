@@ -6,6 +6,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 #include "values.h"
 
 namespace vistrane::cli {
@@ -87,11 +88,7 @@ int RunBlit(const Subcommand& command, const ParsedArgs& args) {
     }
     destination.DibBlt(at.x, at.y, width, height, &source, from.x, from.y,
                        args.Has("transparent") ? 1 : 0);
-    const ImageFileResult saved = SaveImageFile(output, destination);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, destination);
 }
 
 constexpr OptionSpec kBlitOptions[] = {

@@ -8,6 +8,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -71,11 +72,7 @@ int RunBorder(const Subcommand& command, const ParsedArgs& args) {
     if (!image.AddBorders(m[0], m[1], m[2], m[3])) {
         return Failure(command, "not enough memory to add the borders");
     }
-    const ImageFileResult saved = SaveImageFile(output, image);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, image);
 }
 
 constexpr OptionSpec kBorderOptions[] = {

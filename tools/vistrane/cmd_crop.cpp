@@ -7,6 +7,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -45,11 +46,7 @@ int RunCrop(const Subcommand& command, const ParsedArgs& args) {
     if (!image.CropTo(rect)) {
         return Failure(command, "not enough memory to crop the image");
     }
-    const ImageFileResult saved = SaveImageFile(output, image);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, image);
 }
 
 constexpr OptionSpec kCropOptions[] = {

@@ -11,6 +11,7 @@
 #include <vistrane/mask/mask_features.h>
 
 #include "commands.h"
+#include "output_file.h"
 #include "values.h"
 
 namespace vistrane::cli {
@@ -138,11 +139,7 @@ int RunMask(const Subcommand& command, const ParsedArgs& args) {
     if (!operation->writes) {
         return kExitSuccess;
     }
-    const ImageFileResult saved = SaveImageFile(output, mask);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, mask);
 }
 
 constexpr OptionSpec kMaskOptions[] = {

@@ -7,6 +7,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -65,11 +66,7 @@ int RunResize(const Subcommand& command, const ParsedArgs& args) {
     if (!done) {
         return Failure(command, "not enough memory to resize to " + sizeText);
     }
-    const ImageFileResult saved = SaveImageFile(output, image);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, image);
 }
 
 constexpr OptionSpec kResizeOptions[] = {

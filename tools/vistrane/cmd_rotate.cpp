@@ -8,6 +8,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -59,11 +60,7 @@ int RunRotate(const Subcommand& command, const ParsedArgs& args) {
     if (!done) {
         return Failure(command, "not enough memory to rotate the image");
     }
-    const ImageFileResult saved = SaveImageFile(output, image);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, image);
 }
 
 constexpr OptionSpec kRotateOptions[] = {

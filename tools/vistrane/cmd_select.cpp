@@ -7,6 +7,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 #include "values.h"
 
 namespace vistrane::cli {
@@ -95,11 +96,7 @@ int RunSelect(const Subcommand& command, const ParsedArgs& args) {
                                     static_cast<int>(tolerance), mode);
     }
 
-    const ImageFileResult saved = SaveImageFile(output, mask);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, mask);
 }
 
 constexpr OptionSpec kSelectOptions[] = {

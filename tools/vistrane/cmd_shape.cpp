@@ -8,6 +8,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 #include "values.h"
 
 namespace vistrane::cli {
@@ -73,11 +74,7 @@ int RunShape(const Subcommand& command, const ParsedArgs& args) {
     if (soft) {
         glb_ReleaseImageLUTs();
     }
-    const ImageFileResult saved = SaveImageFile(output, image);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, image);
 }
 
 constexpr OptionSpec kShapeOptions[] = {
