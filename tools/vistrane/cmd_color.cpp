@@ -9,6 +9,7 @@
 
 #include "commands.h"
 #include "edit_options.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -69,8 +70,7 @@ int RunColor(const Subcommand& command, const ParsedArgs& args) {
     glb_CreateImageLUTs();
     image.ColorOperation(static_cast<COLOROPER_TYPE>(type), params, hasMask ? &mask : nullptr);
     glb_ReleaseImageLUTs();
-    const ImageFileResult saved = SaveImageFile(positionals[1], image);
-    return saved.ok ? kExitSuccess : Failure(command, saved.error);
+    return SaveOutput(command, positionals[1], image);
 }
 
 constexpr OptionSpec kColorOptions[] = {

@@ -11,6 +11,7 @@
 
 #include "commands.h"
 #include "edit_options.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -129,8 +130,7 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
     if (done == 0) {
         return Failure(command, "not enough memory to filter the image");
     }
-    const ImageFileResult saved = SaveImageFile(args.Positionals()[1], image);
-    return saved.ok ? kExitSuccess : Failure(command, saved.error);
+    return SaveOutput(command, args.Positionals()[1], image);
 }
 
 constexpr OptionSpec kFilterOptions[] = {

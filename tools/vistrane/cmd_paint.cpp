@@ -9,6 +9,7 @@
 
 #include "commands.h"
 #include "edit_options.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -63,8 +64,7 @@ int RunPaint(const Subcommand& command, const ParsedArgs& args) {
     if (done == 0) {
         return Failure(command, "cannot paint this picture");
     }
-    const ImageFileResult saved = SaveImageFile(args.Positionals()[1], image);
-    return saved.ok ? kExitSuccess : Failure(command, saved.error);
+    return SaveOutput(command, args.Positionals()[1], image);
 }
 
 constexpr OptionSpec kPaintOptions[] = {

@@ -9,6 +9,7 @@
 
 #include "commands.h"
 #include "edit_options.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -72,8 +73,7 @@ int RunPalette(const Subcommand& command, const ParsedArgs& args) {
     } else {
         return UsageError(command, "the action is sort, delete or swap, not '" + action + "'");
     }
-    const ImageFileResult saved = SaveImageFile(positionals[1], image);
-    return saved.ok ? kExitSuccess : Failure(command, saved.error);
+    return SaveOutput(command, positionals[1], image);
 }
 
 constexpr OptionSpec kPaletteOptions[] = {

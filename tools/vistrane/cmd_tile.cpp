@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "edit_options.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -62,8 +63,7 @@ int RunTile(const Subcommand& command, const ParsedArgs& args) {
                                     " image gives an empty band or one as large as the image,"
                                     " or memory is short");
     }
-    const ImageFileResult saved = SaveImageFile(output, image);
-    return saved.ok ? kExitSuccess : Failure(command, saved.error);
+    return SaveOutput(command, output, image);
 }
 
 constexpr OptionSpec kTileOptions[] = {
