@@ -266,6 +266,10 @@ void ShearColumns(const BYTE* in, int n, BYTE* out, std::ptrdiff_t rowBytes, int
         someColumns(allFrom, std::min(allFrom + 1, allTo));
         std::int32_t weights[kShearStrip * Bpp];
         BYTE blended[kShearStrip * Bpp];
+        bool sameRowNext[kShearStrip];
+        for (int c = 0; c < count; ++c) {
+            sameRowNext[c] = c + 1 < count && start[c + 1] == start[c];
+        }
         for (int c = 0; c < count; ++c) {
             for (int ch = 0; ch < Bpp; ++ch) {
                 weights[c * Bpp + ch] = frac[c] << 16 | (4096 - frac[c]);
@@ -276,7 +280,13 @@ void ShearColumns(const BYTE* in, int n, BYTE* out, std::ptrdiff_t rowBytes, int
             pairs(blended, row, row - rowBytes, weights, count * Bpp);
             const std::ptrdiff_t down = rowBytes * i;
             for (int c = 0; c < count; ++c) {
-                std::memcpy(out + (target[c] + down), blended + c * Bpp, Bpp);
+                // A 3-byte pixel whose right neighbour lands on the same row moves as 4 bytes;
+                // the neighbour, written next, overwrites the extra byte.
+                if (Bpp == 3 && sameRowNext[c]) {
+                    std::memcpy(out + (target[c] + down), blended + c * Bpp, 4);
+                } else {
+                    std::memcpy(out + (target[c] + down), blended + c * Bpp, Bpp);
+                }
             }
         }
         if (allTo > allFrom) {
