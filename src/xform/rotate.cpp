@@ -10,8 +10,6 @@
 
 #include <vistrane/platform/section.h>
 
-#include "image/pixel_rows.h"
-
 namespace vistrane::xform {
 
 using image::ConstPixelView;
@@ -367,6 +365,18 @@ class ShearScratch {
     std::unique_ptr<BYTE[]> heap_;
 };
 
+// Fills with the background only the positions of a row of `length` pixels that ShearRow
+// leaves alone: it writes [max(start, 0), start + n) and, with a non-zero fraction, start + n,
+// all clipped to the row.
+template <int Bpp>
+void FillAroundRow(BYTE* row, int length, SplitOffset offset, int disp, int n, const BYTE* bg) {
+    const long long start = static_cast<long long>(offset.whole) + disp;
+    const long long lo = std::clamp<long long>(start, 0, length);
+    const long long hi = std::clamp<long long>(start + n + (offset.frac > 0 ? 1 : 0), lo, length);
+    FillBuffer(row, static_cast<std::size_t>(lo), Bpp, bg);
+    FillBuffer(row + hi * Bpp, static_cast<std::size_t>(length - hi), Bpp, bg);
+}
+
 template <int Bpp, ShearMode Mode>
 bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double radians,
                      const ShearSizes& z, const BYTE* bg, const ShearKernels& kernels) {
@@ -384,10 +394,10 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
     const bool positive = radians > 0;
     const std::ptrdiff_t firstRow = static_cast<std::ptrdiff_t>(z.firstWidth) * Bpp;
 
-    FillBuffer(first, firstPixels, Bpp, bg);
     for (int i = 0; i < h; ++i) {
         // h - i, not h - 1 - i: keeps the original shear offset.
         const double o = positive ? i * z.tanHalf : (h - i) * z.tanHalf;
+        FillAroundRow<Bpp>(first + firstRow * i, z.firstWidth, Split(o), 0, w, bg);
         ShearRow<Bpp, Mode>(src.Row(i), w, first + firstRow * i, z.firstWidth, Split(o), 0, bg,
                             kernels.row);
     }
@@ -402,9 +412,9 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
                                 kernels.pairs);
     }
 
-    image::FillPixels(dst, bg);
     for (int i = 0; i < z.height; ++i) {
         const double o = positive ? i * z.tanHalf : (z.height - i) * z.tanHalf;
+        FillAroundRow<Bpp>(dst.Row(i), z.width, Split(o), -z.shift, z.firstWidth, bg);
         ShearRow<Bpp, Mode>(second + firstRow * i, z.firstWidth, dst.Row(i), z.width, Split(o),
                             -z.shift, bg, kernels.row);
     }
