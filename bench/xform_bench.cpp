@@ -118,6 +118,21 @@ void BM_XformRotate30(benchmark::State& state) {
 }
 BENCHMARK(BM_XformRotate30)->Apply(Formats);
 
+// The member as a host calls it: the shears plus the result image it makes and takes over.
+void BM_XformRotate30Member(benchmark::State& state) {
+    const bool trueColor = state.range(0) != 0;
+    C_Image& picture = Picture(trueColor);
+    C_Image work;
+    for (auto _ : state) {
+        state.PauseTiming();
+        work.Clone(&picture);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(work.Rotate1To359(30));
+    }
+    SetPixelRate(state);
+}
+BENCHMARK(BM_XformRotate30Member)->Apply(Formats);
+
 void BM_XformRotateRight(benchmark::State& state) {
     const bool trueColor = state.range(0) != 0;
     C_Image& picture = Picture(trueColor);

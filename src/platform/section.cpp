@@ -27,8 +27,8 @@ struct Section {
 // exactly their size. A section whose descriptor a host asked for is never kept: a compositor
 // may still be reading it.
 constexpr DWORD kMinRecycledBytes = 1u << 20;
-constexpr std::size_t kMaxRecycledSections = 2;
-constexpr std::uint64_t kMaxRecycledBytes = 128u << 20;
+constexpr std::size_t kMaxRecycledSections = 4;
+constexpr std::uint64_t kMaxRecycledBytes = 256u << 20;
 
 // Handles are drawn from a counter that only ever increases, so a closed handle is never
 // handed out again and a stale one is simply "not open" rather than someone else's section.

@@ -14,9 +14,10 @@
 VISTRANE_API HANDLE CreateSharedSection(DWORD bytes, void** view);
 
 // Closes the section; returns 0 for a handle that is not open. The handle is never valid
-// again. A few large sections are kept mapped after closing and handed, cleared, to the next
-// request of exactly their size, because clearing costs far less than populating new pages;
-// a section whose descriptor was asked for is always unmapped and closed at once.
+// again. Up to four sections of 1 MiB or more (256 MiB in all) are kept mapped after closing
+// and handed, cleared, to the next request of exactly their size, because clearing costs far
+// less than populating new pages; a section whose descriptor was asked for is always unmapped
+// and closed at once.
 VISTRANE_API BOOL CloseSharedSection(HANDLE section);
 
 // Unmaps and closes the sections kept for reuse, for a host that wants the memory back now.
