@@ -1,5 +1,7 @@
 #include "filter/hsv_shift.h"
 
+#include <vistrane/companion/helper.h>
+
 #include "blend/blend_dispatch.h"
 
 #include <algorithm>
@@ -78,44 +80,15 @@ void HsvShifter::ApplyRef(BYTE* pixels, int count) const {
         }
         const int s = ClampByte(saturation + m_SaturationShift);
         const int v = ClampByte(maxC + m_ValueShift);
-        if (s == 0) {
-            px[0] = px[1] = px[2] = static_cast<BYTE>(v);
-            continue;
-        }
-        int h = (hue + m_HueShift) % 360;
-        h = h < 0 ? h + 360 : h;
-        const int sector = h / kSector;
-        const int f = h % kSector;
-        // The companion's RGBFromHSV: p = v (1 - s), q = v (1 - s f / 60),
-        // t = v (1 - s (60 - f) / 60), rounded by half the divisor.
-        constexpr int kDen = 255 * kSector;
-        const int p = (v * (255 - s) + 127) / 255;
-        const int q = (v * (kDen - s * f) + kDen / 2) / kDen;
-        const int t = (v * (kDen - s * (kSector - f)) + kDen / 2) / kDen;
-        int nr, ng, nb;
-        switch (sector) {
-            case 0:
-                nr = v, ng = t, nb = p;
-                break;
-            case 1:
-                nr = q, ng = v, nb = p;
-                break;
-            case 2:
-                nr = p, ng = v, nb = t;
-                break;
-            case 3:
-                nr = p, ng = q, nb = v;
-                break;
-            case 4:
-                nr = t, ng = p, nb = v;
-                break;
-            default:
-                nr = v, ng = p, nb = q;
-                break;
-        }
-        px[0] = static_cast<BYTE>(nb);
-        px[1] = static_cast<BYTE>(ng);
-        px[2] = static_cast<BYTE>(nr);
+        // The inverse is the companion's own; only the forward half is sped up by tables.
+        BYTE nr = 0;
+        BYTE ng = 0;
+        BYTE nb = 0;
+        C_Helper().RGBFromHSV(hue + m_HueShift, static_cast<BYTE>(s), static_cast<BYTE>(v), &nr,
+                              &ng, &nb);
+        px[0] = nb;
+        px[1] = ng;
+        px[2] = nr;
     }
 }
 
