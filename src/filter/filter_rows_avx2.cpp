@@ -169,15 +169,12 @@ inline __m256i NarrowLevels(__m256i n, const NarrowDivider& narrow) {
     return _mm256_adds_epi16(_mm256_sub_epi16(_mm256_xor_si256(q, sign), sign), narrow.offset);
 }
 
-// `blocks` consecutive 32-byte blocks of a one-group kernel whose division fits 16 bits.
+// Adds pairs [first, last) of the kernel into 16-bit sums of `blocks` 32-byte blocks from byte
+// i on: low holds bytes 0-7 and 16-23 of each block, high bytes 8-15 and 24-31.
 template <int blocks>
-inline void NarrowBlocks(const TapPair* pairs, int nPairs, int i, const NarrowDivider& narrow,
-                         BYTE* out) {
-    __m256i low[blocks], high[blocks];
-    for (int n = 0; n < blocks; ++n) {
-        low[n] = high[n] = _mm256_setzero_si256();
-    }
-    for (int k = 0; k < nPairs; ++k) {
+inline void AddPairs(const TapPair* pairs, int first, int last, int i, __m256i* low,
+                     __m256i* high) {
+    for (int k = first; k < last; ++k) {
         const TapPair& pair = pairs[k];
         for (int n = 0; n < blocks; ++n) {
             const __m256i a =
@@ -190,6 +187,17 @@ inline void NarrowBlocks(const TapPair* pairs, int nPairs, int i, const NarrowDi
                 high[n], _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), pair.weights));
         }
     }
+}
+
+// `blocks` consecutive 32-byte blocks of a one-group kernel whose division fits 16 bits.
+template <int blocks>
+inline void NarrowBlocks(const TapPair* pairs, int nPairs, int i, const NarrowDivider& narrow,
+                         BYTE* out) {
+    __m256i low[blocks], high[blocks];
+    for (int n = 0; n < blocks; ++n) {
+        low[n] = high[n] = _mm256_setzero_si256();
+    }
+    AddPairs<blocks>(pairs, 0, nPairs, i, low, high);
     for (int n = 0; n < blocks; ++n) {
         // low holds bytes 0-7 | 16-23 and high 8-15 | 24-31, so the lane-wise pack (which also
         // clamps to 0..255) puts all 32 in order.
@@ -218,19 +226,8 @@ inline void SmallWeightBlocks(const TapPair* pairs, const int* groupEnds, int nG
         for (int n = 0; n < blocks; ++n) {
             low[n] = high[n] = _mm256_setzero_si256();
         }
-        for (; k < groupEnds[g]; ++k) {
-            const TapPair& pair = pairs[k];
-            for (int n = 0; n < blocks; ++n) {
-                const __m256i a =
-                    _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pair.a + i + 32 * n));
-                const __m256i b =
-                    _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pair.b + i + 32 * n));
-                low[n] = _mm256_add_epi16(
-                    low[n], _mm256_maddubs_epi16(_mm256_unpacklo_epi8(a, b), pair.weights));
-                high[n] = _mm256_add_epi16(
-                    high[n], _mm256_maddubs_epi16(_mm256_unpackhi_epi8(a, b), pair.weights));
-            }
-        }
+        AddPairs<blocks>(pairs, k, groupEnds[g], i, low, high);
+        k = groupEnds[g];
         for (int n = 0; n < blocks; ++n) {
             sum[n][0] =
                 _mm256_add_epi32(sum[n][0], _mm256_cvtepi16_epi32(_mm256_castsi256_si128(low[n])));
