@@ -108,13 +108,9 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(command, "--type is per-channel, gray or brightness");
     }
     C_Image image;
-    const ImageFileResult loaded = LoadImageFile(args.Positionals()[0], image);
-    if (!loaded.ok) {
-        return Failure(command, loaded.error);
-    }
     C_Image mask;
     bool hasMask = false;
-    if (!LoadMaskOption(args, image, mask, hasMask, error)) {
+    if (!LoadPictureAndMask(args, image, mask, hasMask, error)) {
         return Failure(command, error);
     }
     if (!image.CanEditTrueColor() && image.TurnGrayPalette() == 0) {

@@ -42,13 +42,9 @@ int RunPaint(const Subcommand& command, const ParsedArgs& args) {
             command, "unknown mode '" + args.Value("mode") + "'; modes are " + BlendModeNames());
     }
     C_Image image;
-    const ImageFileResult loaded = LoadImageFile(args.Positionals()[0], image);
-    if (!loaded.ok) {
-        return Failure(command, loaded.error);
-    }
     C_Image mask;
     bool hasMask = false;
-    if (!LoadMaskOption(args, image, mask, hasMask, error)) {
+    if (!LoadPictureAndMask(args, image, mask, hasMask, error)) {
         return Failure(command, error);
     }
     if (image.IsTrueColor()) {

@@ -103,4 +103,14 @@ bool RenderHistogramPlot(const S_Histogram& h, C_Image& plot) {
     return true;
 }
 
+bool LoadPictureAndMask(const ParsedArgs& args, C_Image& image, C_Image& mask, bool& hasMask,
+                        std::string& error) {
+    const ImageFileResult loaded = LoadImageFile(args.Positionals()[0], image);
+    if (!loaded.ok) {
+        error = loaded.error;
+        return false;
+    }
+    return LoadMaskOption(args, image, mask, hasMask, error);
+}
+
 }  // namespace vistrane::cli

@@ -25,6 +25,9 @@ bool ParseInt(const std::string& text, int first, int last, const char* what, in
 // Returns false with `error` set when it cannot be read or has another size.
 bool LoadMaskOption(const ParsedArgs& args, C_Image& image, C_Image& mask, bool& hasMask,
                     std::string& error);
+// Loads the first positional argument into `image`, then --mask as above.
+bool LoadPictureAndMask(const ParsedArgs& args, C_Image& image, C_Image& mask, bool& hasMask,
+                        std::string& error);
 
 // The grey, red, green and blue histograms as four bands of 256 x 100 pixels, top to bottom,
 // each bin a column scaled to its band's highest bin. false when the picture cannot be made.
