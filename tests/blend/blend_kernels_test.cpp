@@ -1,5 +1,6 @@
 #include "blend/blend_kernels.h"
 #include "blend/blend_dispatch.h"
+#include "support/awkward_widths.h"
 #include "support/random_bytes.h"
 
 #include <vistrane/blend/blend_modes.h>
@@ -216,13 +217,7 @@ TEST_F(FastRows, Avx2ByteRowsMatchTheRulesOnAwkwardWidths) {
     const int modes[] = {BLENDMODE_MULTIPLY,  BLENDMODE_SCREEN, BLENDMODE_OVERLAY,
                          BLENDMODE_HARDLIGHT, BLENDMODE_DARKEN, BLENDMODE_LIGHTEN,
                          BLENDMODE_DIFFERENCE};
-    std::vector<int> widths;
-    for (int w = 1; w <= 67; ++w) {
-        widths.push_back(w);
-    }
-    for (int w = 4090; w <= 4100; ++w) {
-        widths.push_back(w);
-    }
+    const std::vector<int> widths = vistrane::test::AwkwardWidths();
     for (int mode : modes) {
         ASSERT_NE(Avx2ByteRow(mode), nullptr) << mode;
         for (int bpp : {1, 3}) {

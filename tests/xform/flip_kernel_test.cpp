@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "support/awkward_widths.h"
 #include "xform/rotate.h"
 
 namespace vistrane {
@@ -44,13 +45,7 @@ TEST(FlipRowKernel, Avx2MatchesReferenceOnAwkwardWidths) {
     if (!HasAvx2()) {
         GTEST_SKIP() << "no AVX2 on this CPU";
     }
-    std::vector<int> widths;
-    for (int w = 1; w <= 67; ++w) {
-        widths.push_back(w);
-    }
-    for (int w : {95, 96, 97, 4093, 4095, 4096, 4097, 4099}) {
-        widths.push_back(w);
-    }
+    const std::vector<int> widths = vistrane::test::AwkwardWidths();
     for (int bpp : {1, 3}) {
         for (int w : widths) {
             for (int offset : {0, 1, 7}) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "support/awkward_widths.h"
 #include "support/random_bytes.h"
 #include "xform/rotate.h"
 
@@ -43,13 +44,7 @@ TEST(ShearRowKernel, Avx2MatchesReferenceOnAwkwardWidthsAndFractions) {
     if (!HasAvx2()) {
         GTEST_SKIP() << "no AVX2 on this CPU";
     }
-    std::vector<int> widths;
-    for (int w = 1; w <= 67; ++w) {
-        widths.push_back(w);
-    }
-    for (int w : {95, 96, 97, 4093, 4095, 4096, 4097, 4099}) {
-        widths.push_back(w);
-    }
+    const std::vector<int> widths = vistrane::test::AwkwardWidths();
     test::RandomBytes random(99);
     for (const int bpp : {1, 3}) {
         for (const int w : widths) {
