@@ -1,10 +1,14 @@
 # The commands a fresh machine needs: `make demo` and `make test`. Both install missing Debian
 # packages first, then configure, build and run through CMake.
+#
+# Each build type has a folder of its own under build/, so moving between the demo, the tests and
+# the sanitizer run never reconfigures or rebuilds what another one built.
 
 JOBS ?= 2
 PREFIX ?= /usr/local
-BUILD_DIR ?= build
-ASAN_BUILD_DIR ?= build-asan
+RELEASE_DIR ?= build/release
+TEST_DIR ?= build/test
+ASAN_DIR ?= build/asan
 DEMO_DIR ?= demo-out
 
 .PHONY: all deps release demo test test-plain test-asan bench install clean
@@ -14,31 +18,34 @@ all: release
 deps:
 	./scripts/install-deps.sh
 
+# The demo and an install need only the library and the tool, not the tests or the benchmarks.
 release: deps
-	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release
-	cmake --build $(BUILD_DIR) -j$(JOBS)
+	cmake -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release -DVISTRANE_BUILD_TESTS=OFF
+	cmake --build $(RELEASE_DIR) -j$(JOBS) --target vistrane vistrane_cli
 
 demo: release
-	$(BUILD_DIR)/tools/vistrane/vistrane demo $(DEMO_DIR)
+	$(RELEASE_DIR)/tools/vistrane/vistrane demo $(DEMO_DIR)
 
 # Plain first, then AddressSanitizer with UndefinedBehaviorSanitizer; either failing fails.
 test: test-plain test-asan
 
 test-plain: deps
-	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo
-	cmake --build $(BUILD_DIR) -j$(JOBS)
-	ctest --test-dir $(BUILD_DIR) --output-on-failure -j$(JOBS)
+	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(TEST_DIR) -j$(JOBS)
+	ctest --test-dir $(TEST_DIR) --output-on-failure -j$(JOBS)
 
 test-asan: deps
-	cmake -S . -B $(ASAN_BUILD_DIR) -DCMAKE_BUILD_TYPE=Debug -DVISTRANE_SANITIZE=ON
-	cmake --build $(ASAN_BUILD_DIR) -j$(JOBS)
-	ctest --test-dir $(ASAN_BUILD_DIR) --output-on-failure -j$(JOBS)
+	cmake -S . -B $(ASAN_DIR) -DCMAKE_BUILD_TYPE=Debug -DVISTRANE_SANITIZE=ON \
+	    -DVISTRANE_BUILD_BENCH=OFF
+	cmake --build $(ASAN_DIR) -j$(JOBS)
+	ctest --test-dir $(ASAN_DIR) --output-on-failure -j$(JOBS)
 
 bench: release
-	$(BUILD_DIR)/bench/vistrane_bench
+	cmake --build $(RELEASE_DIR) -j$(JOBS) --target vistrane_bench
+	$(RELEASE_DIR)/bench/vistrane_bench
 
 install: release
-	cmake --install $(BUILD_DIR) --prefix $(PREFIX)
+	cmake --install $(RELEASE_DIR) --prefix $(PREFIX)
 
 clean:
-	rm -rf $(BUILD_DIR) $(ASAN_BUILD_DIR) $(DEMO_DIR)
+	rm -rf build $(DEMO_DIR)

@@ -20,8 +20,10 @@ std::string ReadText(const std::string& path) {
 ToolRun Vistrane(const std::string& arguments) {
     const std::string out = ScratchPath("cli_stdout.txt");
     const std::string err = ScratchPath("cli_stderr.txt");
-    const std::string command =
-        std::string("'") + VISTRANE_CLI_PATH + "' " + arguments + " >'" + out + "' 2>'" + err + "'";
+    // The tool's path is a string object, not a literal: GCC 12 misjudges the bounds of a
+    // literal of some lengths pasted into a temporary string.
+    const std::string tool = VISTRANE_CLI_PATH;
+    const std::string command = "'" + tool + "' " + arguments + " >'" + out + "' 2>'" + err + "'";
     const int status = std::system(command.c_str());
     ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(out), ReadText(err)};
     std::remove(out.c_str());
