@@ -322,8 +322,7 @@ int C_Image::PaintMasked(PAINT_COLORS color, BLENDMODES mode, int option, unsign
     if (!HasImage() || glb_LUTsCreatedOK() == 0) {
         return 0;
     }
-    if (mask != nullptr && (!mask->HasImage() || mask->BitCount() != 8 ||
-                            mask->Width() != Width() || mask->Height() != Height())) {
+    if (!vistrane::image::MaskArgumentFits(*this, mask)) {
         return 0;
     }
     FigureFillReplaceBlendingModeFunction(mode, option);

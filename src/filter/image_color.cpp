@@ -9,6 +9,9 @@
 
 #include <algorithm>
 
+using vistrane::image::MaskArgumentFits;
+using vistrane::image::MaskArgumentView;
+
 namespace {
 
 constexpr int kParamMin[kColorOperCount][3] = {
@@ -22,14 +25,6 @@ constexpr int kParamMax[kColorOperCount][3] = {
 };
 // Gamma parameters p map to the gamma (p + 100) / 100.
 constexpr double kGammaDivisor = 100.0;
-
-vistrane::image::PixelView MaskViewFor(const C_Image& image, C_Image* mask) {
-    if (mask == nullptr || !mask->HasImage() || mask->BitCount() != 8 ||
-        !image.SameDimensionsAs(mask)) {
-        return {};
-    }
-    return vistrane::image::ViewOf(*mask);
-}
 
 bool PaletteImage(const C_Image& image) {
     return image.HasImage() && !image.CanEditTrueColor();
@@ -47,6 +42,9 @@ void C_Image::GetColorOperParams(COLOROPER_TYPE type, int* min, int* max, int* d
 }
 
 void C_Image::ColorOperation(COLOROPER_TYPE type, int* params, C_Image* mask) {
+    if (!MaskArgumentFits(*this, mask)) {
+        return;
+    }
     if (type == COLOROPER_NEGATIVE || type == COLOROPER_GRAYSCALE) {
         TurnGrayNeg(type == COLOROPER_GRAYSCALE, mask);
         return;
@@ -104,7 +102,8 @@ void C_Image::ColorOperation(COLOROPER_TYPE type, int* params, C_Image* mask) {
 }
 
 void C_Image::PixelColorOperation(COLOROPER_TYPE type, int* params, C_Image* mask) {
-    if (!HasImage() || !CanEditTrueColor() || (type != COLOROPER_HSV && type != COLOROPER_YUV)) {
+    if (!HasImage() || !CanEditTrueColor() || (type != COLOROPER_HSV && type != COLOROPER_YUV) ||
+        !MaskArgumentFits(*this, mask)) {
         return;
     }
     GdiFlush();
@@ -112,13 +111,13 @@ void C_Image::PixelColorOperation(COLOROPER_TYPE type, int* params, C_Image* mas
     args.op = type == COLOROPER_HSV ? vistrane::filter::ColorRowOp::kShiftHsv
                                     : vistrane::filter::ColorRowOp::kShiftYuv;
     args.shifts = params;
-    vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskViewFor(*this, mask), args,
+    vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask), args,
                                    m_Helper);
 }
 
 void C_Image::LUTColorOperation(unsigned char* red, unsigned char* green, unsigned char* blue,
                                 C_Image* mask) {
-    if (!HasImage()) {
+    if (!HasImage() || !MaskArgumentFits(*this, mask)) {
         return;
     }
     GdiFlush();
@@ -133,11 +132,14 @@ void C_Image::LUTColorOperation(unsigned char* red, unsigned char* green, unsign
     }
     vistrane::filter::ColorOpArgs args;
     args.tables = {red, green, blue};
-    vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskViewFor(*this, mask), args,
+    vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask), args,
                                    m_Helper);
 }
 
 int C_Image::UserColorOperation(S_OneUserColorOper* oper, S_CalcColorError* error, C_Image* mask) {
+    if (!MaskArgumentFits(*this, mask)) {
+        return 0;
+    }
     BYTE tables[3][256];
     if (m_Helper.FillUserColorOperLUTs(oper, error, tables[0], tables[1], tables[2]) == 0) {
         return 0;
@@ -147,6 +149,9 @@ int C_Image::UserColorOperation(S_OneUserColorOper* oper, S_CalcColorError* erro
 }
 
 int C_Image::TurnGrayNeg(int gray, C_Image* mask) {
+    if (!MaskArgumentFits(*this, mask)) {
+        return 0;
+    }
     if (!HasImage()) {
         return 1;
     }
@@ -170,12 +175,15 @@ int C_Image::TurnGrayNeg(int gray, C_Image* mask) {
     vistrane::filter::ColorOpArgs args;
     args.op =
         gray != 0 ? vistrane::filter::ColorRowOp::kGray : vistrane::filter::ColorRowOp::kNegative;
-    vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskViewFor(*this, mask), args,
+    vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask), args,
                                    m_Helper);
     return 1;
 }
 
 int C_Image::TurnRGBNeg(C_Image* mask) {
+    if (!MaskArgumentFits(*this, mask)) {
+        return 0;
+    }
     GdiFlush();
     if (!HasImage()) {
         return 1;
@@ -191,7 +199,7 @@ int C_Image::TurnRGBNeg(C_Image* mask) {
         return 1;
     }
     vistrane::filter::NegativeWhereSelected(vistrane::image::ViewOf(*this),
-                                            MaskViewFor(*this, mask));
+                                            MaskArgumentView(mask));
     return 1;
 }
 
@@ -220,11 +228,11 @@ int C_Image::TurnGrayPalette() {
 
 void C_Image::ColorizeMasked(COLORIZE_METHOD method, unsigned char a, unsigned char b,
                              C_Image* mask) {
-    if (!HasImage() || !IsTrueColor()) {
+    if (!HasImage() || !IsTrueColor() || !MaskArgumentFits(*this, mask)) {
         return;
     }
     GdiFlush();
-    vistrane::filter::Colorize(vistrane::image::ViewOf(*this), MaskViewFor(*this, mask),
+    vistrane::filter::Colorize(vistrane::image::ViewOf(*this), MaskArgumentView(mask),
                                method == COLORIZE_YUV, a, b, m_Helper);
 }
 

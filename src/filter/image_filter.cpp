@@ -33,7 +33,7 @@ int C_Image::FilterImage(BLENDMODES mode, unsigned char opacity, int blendOption
         return 1;
     }
     if (kernel == nullptr || !Inside(*this, x, y, width, height) ||
-        (mask != nullptr && (!SameDimensionsAs(mask) || mask->BitCount() != 8))) {
+        !vistrane::image::MaskArgumentFits(*this, mask)) {
         return 0;
     }
     // Without a caller's buffer the filter reads a band of bordered rows that moves down the

@@ -9,18 +9,8 @@
 
 #include <cstring>
 
-namespace {
-
-// The mask view of an operation, or an empty one when there is no usable mask of the size.
-vistrane::image::PixelView MaskViewFor(const C_Image& image, C_Image* mask) {
-    if (mask == nullptr || !mask->HasImage() || mask->BitCount() != 8 ||
-        !image.SameDimensionsAs(mask)) {
-        return {};
-    }
-    return vistrane::image::ViewOf(*mask);
-}
-
-}  // namespace
+using vistrane::image::MaskArgumentFits;
+using vistrane::image::MaskArgumentView;
 
 int C_Image::CountColors(unsigned long* count, unsigned long* usage) {
     if (!HasImage()) {
@@ -129,12 +119,12 @@ void C_Image::SwapPalColors(S_SwapPalData* data) {
 }
 
 unsigned long C_Image::CalcAverageColor(C_Image* mask) {
-    if (!HasImage()) {
+    if (!HasImage() || !MaskArgumentFits(*this, mask)) {
         return 0;
     }
     GdiFlush();
     const vistrane::filter::ColorSums sums =
-        vistrane::filter::SumColors(vistrane::image::ViewOf(*this), MaskViewFor(*this, mask));
+        vistrane::filter::SumColors(vistrane::image::ViewOf(*this), MaskArgumentView(mask));
     if (sums.pixels == 0) {
         return 0;
     }
@@ -143,7 +133,7 @@ unsigned long C_Image::CalcAverageColor(C_Image* mask) {
 }
 
 void C_Image::ComputeHistogram(S_Histogram* histogram, C_Image* mask) {
-    if (histogram == nullptr) {
+    if (histogram == nullptr || !MaskArgumentFits(*this, mask)) {
         return;
     }
     if (!HasImage()) {
@@ -151,6 +141,6 @@ void C_Image::ComputeHistogram(S_Histogram* histogram, C_Image* mask) {
         return;
     }
     GdiFlush();
-    vistrane::filter::FillHistogram(vistrane::image::ViewOf(*this), MaskViewFor(*this, mask),
+    vistrane::filter::FillHistogram(vistrane::image::ViewOf(*this), MaskArgumentView(mask),
                                     histogram);
 }

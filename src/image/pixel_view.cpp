@@ -35,6 +35,15 @@ PixelView ViewOf(const C_SimpleImage& buffer) {
             0};
 }
 
+bool MaskArgumentFits(const C_Image& image, const C_Image* mask) {
+    return mask == nullptr ||
+           (mask->HasImage() && mask->BitCount() == 8 && image.SameDimensionsAs(mask));
+}
+
+PixelView MaskArgumentView(const C_Image* mask) {
+    return mask != nullptr ? ViewOf(*mask) : PixelView{};
+}
+
 PixelView SubView(const PixelView& view, const CRect& r) {
     CRect clipped;
     if (view.Empty() || !clipped.IntersectRect(r, CRect(0, 0, view.width, view.height))) {

@@ -49,6 +49,14 @@ inline ConstPixelView AsConst(const PixelView& v) {
 PixelView ViewOf(const C_Image& image);
 PixelView ViewOf(const C_SimpleImage& buffer);
 
+// The one rule for a selection-mask argument, shared by every member that takes one: no mask, or
+// an 8-bit image of `image`'s size. A member given any other mask refuses it and changes nothing:
+// it returns 0, or simply returns when it has no result.
+bool MaskArgumentFits(const C_Image& image, const C_Image* mask);
+
+// The pixels of a mask argument that fits; for no mask, an empty view (every pixel fully selected).
+PixelView MaskArgumentView(const C_Image* mask);
+
 // The part of a view inside r (clipped to the view); empty when they do not overlap.
 PixelView SubView(const PixelView& view, const CRect& r);
 

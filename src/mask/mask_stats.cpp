@@ -104,6 +104,9 @@ long ScaleOpacity(const image::PixelView& mask, const S_MaskFeatures& f, int max
 }
 
 void ChangeOpacity(const image::PixelView& mask, int value, bool absolute) {
+    // A value below 1 would deselect pixels (or, as a negative percentage, wrap their bytes): the
+    // weakest change either form makes is to 1.
+    value = std::max(value, 1);
     for (int y = 0; y < mask.height; ++y) {
         BYTE* row = mask.Row(y);
         for (int x = 0; x < mask.width; ++x) {
@@ -112,7 +115,8 @@ void ChangeOpacity(const image::PixelView& mask, int value, bool absolute) {
             }
             // The absolute value keeps only its low byte: 300 becomes 44, deliberately.
             row[x] = absolute ? static_cast<BYTE>(value)
-                              : static_cast<BYTE>(std::min(255, (row[x] * value + 50) / 100));
+                              : static_cast<BYTE>(std::min<long long>(
+                                    255, (row[x] * static_cast<long long>(value) + 50) / 100));
         }
     }
 }

@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+#include <vector>
+
 namespace {
 
 class ImageColor : public ::testing::Test {
@@ -176,6 +180,74 @@ TEST_F(ImageColor, ChannelsSeparateCombineAndSwap) {
     const BYTE blue = image.PixelPtr(1, 0)[0];
     image.RGB2BRG();
     EXPECT_EQ(image.PixelPtr(1, 0)[2], blue);
+}
+
+}  // namespace
+
+namespace {
+
+// Every member that takes a selection mask refuses one that does not fit: a mask of another
+// size, a 24-bit image or an empty image changes nothing, and a member with a result says 0.
+TEST_F(ImageColor, EveryMaskedMemberRefusesAMaskThatDoesNotFit) {
+    using Operation = std::function<int(C_Image&, C_Image*)>;
+    const std::vector<std::pair<const char*, Operation>> operations = {
+        {"TurnGrayScale", [](C_Image& i, C_Image* m) { return i.TurnGrayScale(m); }},
+        {"TurnNegative", [](C_Image& i, C_Image* m) { return i.TurnNegative(m); }},
+        {"TurnRGBNeg", [](C_Image& i, C_Image* m) { return i.TurnRGBNeg(m); }},
+        {"ColorOperation",
+         [](C_Image& i, C_Image* m) {
+             int params[3] = {40, 40, 40};
+             i.ColorOperation(COLOROPER_RGB_OFFSET, params, m);
+             return 0;
+         }},
+        {"PixelColorOperation",
+         [](C_Image& i, C_Image* m) {
+             int params[3] = {90, 10, 10};
+             i.PixelColorOperation(COLOROPER_HSV, params, m);
+             return 0;
+         }},
+        {"ColorizeMasked",
+         [](C_Image& i, C_Image* m) {
+             i.ColorizeMasked(COLORIZE_HSL, 100, 200, m);
+             return 0;
+         }},
+        {"CalcAverageColor",
+         [](C_Image& i, C_Image* m) { return static_cast<int>(i.CalcAverageColor(m)); }},
+        {"PaintMasked",
+         [](C_Image& i, C_Image* m) {
+             return i.PaintMasked(PAINT_COLORS_FORE, BLENDMODE_NORMAL, 0, 255, m, nullptr);
+         }},
+        {"FilterImage",
+         [](C_Image& i, C_Image* m) {
+             int kernel[49] = {};
+             kernel[24] = 2;
+             return i.FilterImage(BLENDMODE_NORMAL, 255, 0, 0, 0, i.Width(), i.Height(), m,
+                                  kernel, 0, 1, FILTER_PER_CHANNEL, nullptr, 0, 0);
+         }},
+    };
+    C_Image wrongSize, trueColor, empty;
+    ASSERT_EQ(wrongSize.CreateMask(5, 4), 1);
+    ASSERT_EQ(trueColor.Create(6, 4, 1, nullptr, 0), 1);
+    for (C_Image* mask : {&wrongSize, &trueColor, &empty}) {
+        if (mask->HasImage()) {
+            vistrane::test::FillRandomPixels(*mask, 7);
+        }
+        for (const auto& [name, operation] : operations) {
+            C_Image image, before;
+            ASSERT_EQ(image.Create(6, 4, 1, nullptr, 0), 1);
+            vistrane::test::FillRandomPixels(image, 3);
+            image.SetForeTrueColor(RGB(250, 0, 0));
+            ASSERT_EQ(before.Clone(&image), 1);
+            EXPECT_EQ(operation(image, mask), 0) << name;
+            EXPECT_TRUE(vistrane::test::SamePixels(before, image)) << name;
+        }
+    }
+    S_Histogram histogram{};
+    histogram.red[0] = 77;
+    C_Image image;
+    ASSERT_EQ(image.Create(6, 4, 1, nullptr, 0), 1);
+    image.ComputeHistogram(&histogram, &wrongSize);
+    EXPECT_EQ(histogram.red[0], 77);
 }
 
 }  // namespace

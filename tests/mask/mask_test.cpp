@@ -159,6 +159,17 @@ TEST_F(MaskTest, OpacityRescalingRules) {
     EXPECT_EQ(Bytes(a), (std::vector<BYTE>{0, 1, 128, 50}));
     a.ChangeMaskOpacity(300, 1);
     EXPECT_EQ(Bytes(a), (std::vector<BYTE>{0, 44, 44, 44}));
+    // Values below 1 are raised to 1, so neither form deselects a pixel or wraps its byte.
+    for (const int absolute : {0, 1}) {
+        for (const int value : {0, -40}) {
+            MakeMask(a, 3, 1, {0, 200, 255});
+            a.ChangeMaskOpacity(value, absolute);
+            const std::vector<BYTE> raised = absolute ? std::vector<BYTE>{0, 1, 1}
+                                                      : std::vector<BYTE>{0, 2, 3};
+            EXPECT_EQ(Bytes(a), raised)
+                << value << " " << absolute;
+        }
+    }
 
     MakeMask(a, 3, 1, {255, 0, 255});
     EXPECT_EQ(a.MaskScaleOpacity(255, 0), 0);
