@@ -342,7 +342,8 @@ int C_Image::PaintMasked(PAINT_COLORS color, BLENDMODES mode, int option, unsign
     }
     GdiFlush();
     vistrane::blend::BlendContext context{m_BlendModeOption, &m_Helper};
-    vistrane::blend::PaintRect(target, maskView, m_BlendSource, opacity,
-                               vistrane::blend::FillSelectorMode(mode, kind), kind, context);
-    return 1;
+    return vistrane::blend::PaintRect(target, maskView, m_BlendSource, opacity,
+                                      vistrane::blend::FillSelectorMode(mode, kind), kind, context)
+               ? 1
+               : 0;
 }

@@ -5,24 +5,30 @@
 
 #include "blend/blend_dispatch.h"
 
+#include <new>
 #include <vector>
 
 namespace vistrane::blend {
 
-void PaintRect(const image::PixelView& target, const image::PixelView& mask, const BYTE* colour,
+bool PaintRect(const image::PixelView& target, const image::PixelView& mask, const BYTE* colour,
                BYTE opacity, int mode, ImageKind kind, BlendContext& context) {
     const int bpp = target.bytesPerPixel;
     const int width = target.width;
     const RowBlender blender = FastRowBlender(mode, bpp);
     const MergeRowFn merge =
         kind == ImageKind::kPalette ? MergePaletteRow : MergeRowFor(bpp, BestKernelSet());
-    std::vector<BYTE> source(static_cast<std::size_t>(width) * bpp);
+    const bool whole = mask.Empty() && opacity == 255;
+    std::vector<BYTE> source, result, alpha;
+    try {
+        source.resize(static_cast<std::size_t>(width) * bpp);
+        result.resize(whole ? 0 : source.size());
+        alpha.resize(whole ? 0 : width);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
     for (std::size_t i = 0; i < source.size(); ++i) {
         source[i] = colour[i % bpp];
     }
-    const bool whole = mask.Empty() && opacity == 255;
-    std::vector<BYTE> result(whole ? 0 : source.size());
-    std::vector<BYTE> alpha(whole ? 0 : width);
     for (int y = 0; y < target.height; ++y) {
         BYTE* row = target.Row(y);
         if (whole) {
@@ -33,6 +39,7 @@ void PaintRect(const image::PixelView& target, const image::PixelView& mask, con
         blender.Run(source.data(), row, result.data(), width, context, alpha.data());
         merge(row, result.data(), alpha.data(), width);
     }
+    return true;
 }
 
 }  // namespace vistrane::blend

@@ -12,8 +12,9 @@ namespace vistrane::blend {
 // Blends `colour` (3 bytes blue, green, red, or 1 byte) in `mode` (already mapped by the fill
 // selector for `kind`) over every pixel of `target`, laid over with opacity * mask / 255 (the
 // mask view, when not empty, has the target's size). Pixels of effective opacity 0 are not
-// touched and draw no dissolve number.
-void PaintRect(const image::PixelView& target, const image::PixelView& mask, const BYTE* colour,
+// touched and draw no dissolve number. False, with the target untouched, when the row buffers
+// cannot be had.
+bool PaintRect(const image::PixelView& target, const image::PixelView& mask, const BYTE* colour,
                BYTE opacity, int mode, ImageKind kind, BlendContext& context);
 
 }  // namespace vistrane::blend

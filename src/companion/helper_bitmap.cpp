@@ -1,5 +1,6 @@
 // C_Helper: bitmap row arithmetic, headers, scan converters and palettes.
 
+#include <new>
 #include <vector>
 
 #include <vistrane/companion/helper.h>
@@ -60,7 +61,12 @@ int C_Helper::CreatePalette(CPalette* palette, const RGBQUAD* colors, DWORD nCol
         return 0;
     }
     // LOGPALETTE ends in a one-entry array; the buffer holds the header and all entries.
-    std::vector<BYTE> storage(sizeof(LOGPALETTE) + (nColors - 1) * sizeof(PALETTEENTRY));
+    std::vector<BYTE> storage;
+    try {
+        storage.resize(sizeof(LOGPALETTE) + (nColors - 1) * sizeof(PALETTEENTRY));
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
     auto* logPalette = reinterpret_cast<LOGPALETTE*>(storage.data());
     logPalette->palVersion = 0x300;
     logPalette->palNumEntries = static_cast<WORD>(nColors);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace vistrane::filter {
@@ -28,10 +29,8 @@ void ColourOf(const image::PixelView& view, const BYTE* row, int x, BYTE* bgr) {
     bgr[0] = c.rgbBlue, bgr[1] = c.rgbGreen, bgr[2] = c.rgbRed;
 }
 
-}  // namespace
-
-void ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
-                  const ColorOpArgs& args, C_Helper& helper) {
+void RunColorOp(const image::PixelView& view, const image::PixelView& mask,
+                const ColorOpArgs& args, C_Helper& helper) {
     // Unmasked, a grey table or three equal tables act on every byte alike.
     const bool grey = view.bytesPerPixel == 1;
     if (args.op == ColorRowOp::kLut && mask.Empty() &&
@@ -90,6 +89,20 @@ void ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
             }
         }
     }
+}
+
+}  // namespace
+
+bool ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
+                  const ColorOpArgs& args, C_Helper& helper) {
+    // Every allocation comes before the first pixel is written, so a failed one leaves the view
+    // as it was.
+    try {
+        RunColorOp(view, mask, args, helper);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
 }
 
 void NegativeWhereSelected(const image::PixelView& view, const image::PixelView& mask) {

@@ -19,8 +19,9 @@ struct ColorOpArgs {
 };
 
 // Runs one operation over every row of a 24-bit or grey view (grey views: the LUT uses the red
-// table, the shifts work on the palette colour and keep its grey average).
-void ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
+// table, the shifts work on the palette colour and keep its grey average). False, with the view
+// untouched, when its working memory cannot be had.
+bool ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
                   const ColorOpArgs& args, C_Helper& helper);
 // Negative of the pixels whose mask byte is exactly 255 (all of them without a mask).
 void NegativeWhereSelected(const image::PixelView& view, const image::PixelView& mask);

@@ -6,6 +6,7 @@
 
 #include "filter/color_ops.h"
 #include "image/pixel_view.h"
+#include "image/temporary_image.h"
 
 #include <algorithm>
 
@@ -175,9 +176,10 @@ int C_Image::TurnGrayNeg(int gray, C_Image* mask) {
     vistrane::filter::ColorOpArgs args;
     args.op =
         gray != 0 ? vistrane::filter::ColorRowOp::kGray : vistrane::filter::ColorRowOp::kNegative;
-    vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask), args,
-                                   m_Helper);
-    return 1;
+    return vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask),
+                                          args, m_Helper)
+               ? 1
+               : 0;
 }
 
 int C_Image::TurnRGBNeg(C_Image* mask) {
@@ -216,13 +218,12 @@ int C_Image::TurnGrayPalette() {
         }
         return 1;
     }
-    C_Image* grey = new C_Image;
-    if (grey->CreateMask(Width(), Height()) == 0) {
-        delete grey;
+    vistrane::image::TemporaryImage grey = vistrane::image::NewTemporary();
+    if (!grey || grey->CreateMask(Width(), Height()) == 0) {
         return 0;
     }
     vistrane::filter::GreyLevels(vistrane::image::ViewOf(*grey), view);
-    TransformInto(grey, 1);
+    TransformInto(grey.release(), 1);
     return 1;
 }
 

@@ -4,7 +4,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/platform/dc.h>
 
-#include "xform/xform_image.h"
+#include "image/temporary_image.h"
 
 int C_Image::CropTo(CRect rect) {
     if (!HasImage()) {
@@ -16,7 +16,7 @@ int C_Image::CropTo(CRect rect) {
     if (!kept.IntersectRect(rect, whole)) {
         return 0;
     }
-    auto temp = vistrane::xform::NewCloneColors(*this, kept.Width(), kept.Height());
+    auto temp = vistrane::image::NewCloneColors(*this, kept.Width(), kept.Height());
     if (!temp ||
         !temp->BitBlt(0, 0, kept.Width(), kept.Height(), this, kept.left, kept.top, SRCCOPY)) {
         return 0;
@@ -35,7 +35,7 @@ int C_Image::AddBorders(long left, long top, long right, long bottom) {
         return 0;
     }
     auto temp =
-        vistrane::xform::NewCloneColors(*this, static_cast<long>(width), static_cast<long>(height));
+        vistrane::image::NewCloneColors(*this, static_cast<long>(width), static_cast<long>(height));
     if (!temp) {
         return 0;
     }

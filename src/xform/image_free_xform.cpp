@@ -6,7 +6,7 @@
 
 #include "image/pixel_view.h"
 #include "xform/free_xform.h"
-#include "xform/xform_image.h"
+#include "image/temporary_image.h"
 
 using vistrane::image::AsConst;
 using vistrane::image::ViewOf;
@@ -16,8 +16,8 @@ namespace {
 constexpr LONG kCornerLimit = 1 << 30;
 
 // A mask temporary of width x height, null when it cannot be made.
-vistrane::xform::TemporaryImage NewMask(long width, long height) {
-    vistrane::xform::TemporaryImage temp = vistrane::xform::NewTemporary();
+vistrane::image::TemporaryImage NewMask(long width, long height) {
+    vistrane::image::TemporaryImage temp = vistrane::image::NewTemporary();
     if (!temp || !temp->CreateMask(width, height)) {
         return nullptr;
     }
@@ -72,17 +72,17 @@ FREEXFORM_RESULTS C_Image::MaskFreeXForm(CPoint topLeft, CPoint topRight, CPoint
         return FREEXFORM_NOTHING;
     }
     GdiFlush();
-    vistrane::xform::TemporaryImage whole;
+    vistrane::image::TemporaryImage whole;
     if (sourceImage == nullptr) {
         whole = NewMask(sourceMask->Width(), sourceMask->Height());
         if (!whole) {
             return FREEXFORM_NOMEMORY;
         }
     }
-    vistrane::xform::TemporaryImage mask = NewMask(box.Width(), box.Height());
-    vistrane::xform::TemporaryImage image;
+    vistrane::image::TemporaryImage mask = NewMask(box.Width(), box.Height());
+    vistrane::image::TemporaryImage image;
     if (sourceImage != nullptr) {
-        image = vistrane::xform::NewCloneColors(*sourceImage, box.Width(), box.Height());
+        image = vistrane::image::NewCloneColors(*sourceImage, box.Width(), box.Height());
     }
     if (!mask || (sourceImage != nullptr && !image)) {
         return FREEXFORM_NOMEMORY;

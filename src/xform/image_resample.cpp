@@ -5,7 +5,7 @@
 
 #include "image/pixel_view.h"
 #include "xform/resample.h"
-#include "xform/xform_image.h"
+#include "image/temporary_image.h"
 
 using vistrane::image::AsConst;
 using vistrane::image::ConstPixelView;
@@ -41,7 +41,7 @@ int C_Image::DIBResize(CSize size) {
         return 0;
     }
     GdiFlush();
-    auto temp = vistrane::xform::NewCloneColors(*this, size.cx, size.cy);
+    auto temp = vistrane::image::NewCloneColors(*this, size.cx, size.cy);
     if (!temp || !vistrane::xform::ResizeNearest(AsConst(ViewOf(*this)), ViewOf(*temp))) {
         return 0;
     }
@@ -56,7 +56,7 @@ int C_Image::Resample(CSize size) {
     if (!CanEditTrueColor()) {
         return Resize(size);
     }
-    auto temp = vistrane::xform::NewSameFormat(*this, size.cx, size.cy);
+    auto temp = vistrane::image::NewSameFormat(*this, size.cx, size.cy);
     if (!temp) {
         return 0;
     }

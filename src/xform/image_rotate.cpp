@@ -4,7 +4,7 @@
 
 #include "image/pixel_view.h"
 #include "xform/rotate.h"
-#include "xform/xform_image.h"
+#include "image/temporary_image.h"
 
 using vistrane::image::AsConst;
 using vistrane::image::ViewOf;
@@ -24,7 +24,7 @@ int ShearInto(C_Image& image, double radians, const BYTE* background,
                                             static_cast<int>(image.Height()), radians, sizes)) {
         return 0;
     }
-    vistrane::xform::TemporaryImage temp = make(sizes.width, sizes.height);
+    vistrane::image::TemporaryImage temp = make(sizes.width, sizes.height);
     if (!temp || !vistrane::xform::ShearRotate(AsConst(ViewOf(image)), ViewOf(*temp), radians,
                                                sizes, background, mode)) {
         return 0;
@@ -48,7 +48,7 @@ int C_Image::CommonRotate(int right) {
         return 0;
     }
     GdiFlush();
-    auto temp = vistrane::xform::NewCloneColors(*this, Height(), Width());
+    auto temp = vistrane::image::NewCloneColors(*this, Height(), Width());
     if (!temp) {
         return 0;
     }
@@ -124,7 +124,7 @@ int C_Image::InternalRotateDouble(double radians) {
     const BYTE background[3] = {GetBValue(back), GetGValue(back), GetRValue(back)};
     return ShearInto(
         *this, radians, background, vistrane::xform::ShearMode::Blend,
-        [this](long w, long h) { return vistrane::xform::NewSameFormat(*this, w, h); });
+        [this](long w, long h) { return vistrane::image::NewSameFormat(*this, w, h); });
 }
 
 int C_Image::InternalRotateDoubleMask(double radians) {
@@ -134,7 +134,7 @@ int C_Image::InternalRotateDoubleMask(double radians) {
     const BYTE background = GetBackPalInd();
     return ShearInto(
         *this, radians, &background, vistrane::xform::ShearMode::Blend,
-        [this](long w, long h) { return vistrane::xform::NewSameFormat(*this, w, h); });
+        [this](long w, long h) { return vistrane::image::NewSameFormat(*this, w, h); });
 }
 
 int C_Image::InternalRotatePaletteImageDouble(double radians) {
@@ -145,7 +145,7 @@ int C_Image::InternalRotatePaletteImageDouble(double radians) {
     const BYTE background = GetBackPalInd();
     return ShearInto(
         *this, radians, &background, vistrane::xform::ShearMode::Copy,
-        [this](long w, long h) { return vistrane::xform::NewCloneColors(*this, w, h); });
+        [this](long w, long h) { return vistrane::image::NewCloneColors(*this, w, h); });
 }
 
 void C_Image::FlipHorizontal() {

@@ -1,6 +1,6 @@
-#include "xform/xform_image.h"
+#include "image/temporary_image.h"
 
-namespace vistrane::xform {
+namespace vistrane::image {
 
 TemporaryImage NewCloneColors(C_Image& image, long width, long height) {
     TemporaryImage temp = NewTemporary();
@@ -23,4 +23,4 @@ TemporaryImage NewSameFormat(C_Image& image, long width, long height) {
     return temp;
 }
 
-}  // namespace vistrane::xform
+}  // namespace vistrane::image

@@ -1,14 +1,14 @@
 #pragma once
 
-// What the C_Image members of the transforms share: the temporary that an in-place transform
-// fills and then takes over.
+// The temporary image that a size- or depth-changing operation fills and then takes over, so a
+// failure anywhere before the hand-over leaves the operated image as it was.
 
 #include <memory>
 #include <new>
 
 #include <vistrane/image/image.h>
 
-namespace vistrane::xform {
+namespace vistrane::image {
 
 struct DeleteImage {
     void operator()(C_Image* image) const { delete image; }
@@ -28,4 +28,4 @@ TemporaryImage NewCloneColors(C_Image& image, long width, long height);
 // image's paint colours and mask flag so that taking it over keeps them.
 TemporaryImage NewSameFormat(C_Image& image, long width, long height);
 
-}  // namespace vistrane::xform
+}  // namespace vistrane::image
