@@ -1,10 +1,14 @@
 // C_Image: the bitmap file in archives and in memory blocks.
 
+#include <algorithm>
 #include <cstring>
+#include <new>
+#include <vector>
 
 #include <vistrane/image/image.h>
 
 #include "image/bitmap_file.h"
+#include "image/temporary_image.h"
 
 using vistrane::image::BitmapFileShape;
 using vistrane::image::kFileHeaderBytes;
@@ -50,6 +54,26 @@ int C_Image::WriteToArchive(CArchive& ar) {
     return 1;
 }
 
+namespace {
+
+// A stream does not say how long it is, so the colour table and pixels are read in chunks that
+// grow only as bytes arrive: a header that claims a huge image costs no more memory than the
+// stream really holds before its end is met.
+constexpr std::size_t kArchiveChunkBytes = 1 << 16;
+
+std::vector<BYTE> ReadExactly(CArchive& ar, std::size_t bytes) {
+    std::vector<BYTE> data;
+    while (data.size() < bytes) {
+        const std::size_t chunk = std::min(kArchiveChunkBytes, bytes - data.size());
+        const std::size_t done = data.size();
+        data.resize(done + chunk);
+        ar.Read(data.data() + done, static_cast<UINT>(chunk));
+    }
+    return data;
+}
+
+}  // namespace
+
 int C_Image::ReadFromArchive(CArchive& ar) {
     try {
         BITMAPFILEHEADER fileHeader;
@@ -64,16 +88,23 @@ int C_Image::ReadFromArchive(CArchive& ar) {
             !vistrane::image::ShapeOfInfoHeader(infoHeader, &shape)) {
             return 0;
         }
-        if (!Create(shape.width, shape.height, shape.trueColor, nullptr, shape.nColors)) {
-            return 0;
-        }
         // The pixel offset field is not used: the colour table follows the info header
         // directly, as the writer puts it.
-        ar.Read(RGBQs(), static_cast<UINT>(4 * shape.nColors));
-        ar.Read(BitmapBytes(), static_cast<UINT>(NBytesImage()));
-        RenewPalette();
+        const std::vector<BYTE> colors = ReadExactly(ar, 4 * shape.nColors);
+        const std::vector<BYTE> pixels = ReadExactly(ar, shape.pixelBytes);
+        vistrane::image::TemporaryImage read = vistrane::image::NewTemporary();
+        if (!read || !read->Create(shape.width, shape.height, shape.trueColor,
+                                   reinterpret_cast<const RGBQUAD*>(colors.data()),
+                                   shape.nColors)) {
+            return 0;
+        }
+        std::memcpy(read->BitmapBytes(), pixels.data(), pixels.size());
+        read->CopyPaintColors(this);
+        TransformInto(read.release(), 1);
         return 1;
     } catch (const CException&) {
+        return 0;
+    } catch (const std::bad_alloc&) {
         return 0;
     }
 }

@@ -100,12 +100,17 @@ TEST(ArchiveReader, MalformedStreamsGiveZero) {
     ASSERT_EQ(image.Create(6, 5, 0, glb_GrayPalette, 256), 1);
     FillRandomPixels(image, 1);
     const std::vector<BYTE> good = Store(image);
-    C_Image loaded;
+    // A refused stream leaves the image that was there before.
+    C_Image loaded, held;
+    ASSERT_EQ(loaded.Create(3, 2, 1, nullptr, 0), 1);
+    FillRandomPixels(loaded, 5);
+    ASSERT_EQ(held.Clone(&loaded), 1);
     // Every truncation, including the middle of the pixels, is refused.
     for (size_t cut : {size_t{0}, size_t{10}, size_t{14}, size_t{53}, size_t{54}, size_t{600},
                        good.size() - 1}) {
         EXPECT_EQ(LoadFromBytes(loaded, std::vector<BYTE>(good.begin(), good.begin() + cut)), 0)
             << cut;
+        EXPECT_TRUE(SamePixels(held, loaded)) << cut;
     }
     auto bad = good;
     bad[0] = 'X';
@@ -123,9 +128,10 @@ TEST(ArchiveReader, MalformedStreamsGiveZero) {
     Put<DWORD>(bad, 46, 100000);  // colours used beyond the table
     EXPECT_EQ(LoadFromBytes(loaded, bad), 0);
     bad = good;
-    Put<LONG>(bad, 18, 70000);  // lying width: the pixels run short
-    Put<LONG>(bad, 22, 70000);
+    Put<LONG>(bad, 18, 30000);  // lying size: 2.7 GB claimed by a stream of a few hundred bytes
+    Put<LONG>(bad, 22, 30000);
     EXPECT_EQ(LoadFromBytes(loaded, bad), 0);
+    EXPECT_TRUE(SamePixels(held, loaded));
     bad = good;
     Put<LONG>(bad, 22, -5);  // top-down rows are not this library's layout
     EXPECT_EQ(LoadFromBytes(loaded, bad), 0);
