@@ -13,11 +13,10 @@
 // background, transparent; as palette indices for 8-bit images and as COLORREFs for 24-bit ones),
 // a behaves-like-mask flag, and the state of the painting operation under way.
 //
-// Calls return 1 for success and 0 for failure (memory, or an unsuitable image or argument);
-// nothing throws out of the library except Serialize, which raises CArchiveException for the
-// host's archive code as archives expect. Every create first releases what the image held, so a
-// failed create leaves it empty. Operations that change the size build a temporary and take it
-// over (TransformInto) only on success. Paint colours and the mask flag survive re-creation.
+// Failures follow the engine's one error contract (README, "When a call fails"): 1 for success,
+// 0 for failure with the image as it was (empty after a failed create), a mask argument that is
+// not an 8-bit image of this image's size refused, nothing thrown but Serialize's
+// CArchiveException. Paint colours and the mask flag survive re-creation.
 //
 // Before the first image is made the host calls C_Image::CheckBitmapHeaderType() once.
 

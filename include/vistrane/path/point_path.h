@@ -7,6 +7,8 @@
 // Assignment is a shallow member copy (both paths then share one list, and only one of them
 // may be destroyed with it); CreateClone duplicates.
 //
+// Failures follow the engine's one error contract (README, "When a call fails").
+//
 // Path file ("Vistrane Path 1.0", little-endian):
 //   0   18        "Vistrane Path 1.0" and a zero byte
 //   18  4         number of sub-paths N, signed
