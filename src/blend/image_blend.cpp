@@ -11,6 +11,7 @@
 #include "blend/paint_rect.h"
 #include "image/pixel_view.h"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -139,7 +140,7 @@ void C_Image::SetBlendSourceColor(unsigned long c) {
 
 void C_Image::SetBlendFilterTaps(const unsigned char* const* rows, const int* weights, int n,
                                  int perChannel, int divisor, int offset) {
-    m_FilterNTaps = n < 0 ? 0 : (n > 49 ? 49 : n);
+    m_FilterNTaps = std::clamp(n, 0, FILTER_KERNEL_TAPS);
     for (int t = 0; t < m_FilterNTaps; ++t) {
         m_FilterTapRows[t] = rows[t];
         m_FilterTapWeights[t] = weights[t];
@@ -276,7 +277,7 @@ void C_Image::BlendColorsExclusionMask() {
 }
 
 void C_Image::BlendColorsFilter() {
-    vistrane::blend::FilterTap taps[49];
+    vistrane::blend::FilterTap taps[FILTER_KERNEL_TAPS];
     for (int t = 0; t < m_FilterNTaps; ++t) {
         taps[t] = Tap(m_FilterTapRows[t], m_FilterTapWeights[t]);
     }
@@ -286,7 +287,7 @@ void C_Image::BlendColorsFilter() {
 }
 
 void C_Image::BlendColorsFilterMask() {
-    vistrane::blend::FilterTap taps[49];
+    vistrane::blend::FilterTap taps[FILTER_KERNEL_TAPS];
     for (int t = 0; t < m_FilterNTaps; ++t) {
         taps[t] = Tap(m_FilterTapRows[t], m_FilterTapWeights[t]);
     }

@@ -29,8 +29,8 @@ void ColourOf(const image::PixelView& view, const BYTE* row, int x, BYTE* bgr) {
     bgr[0] = c.rgbBlue, bgr[1] = c.rgbGreen, bgr[2] = c.rgbRed;
 }
 
-void RunColorOp(const image::PixelView& view, const image::PixelView& mask,
-                const ColorOpArgs& args, C_Helper& helper) {
+void RunColorOp(const image::PixelView& view, const image::PixelView& mask, const ColorOpArgs& args,
+                C_Helper& helper) {
     // Unmasked, a grey table or three equal tables act on every byte alike.
     const bool grey = view.bytesPerPixel == 1;
     if (args.op == ColorRowOp::kLut && mask.Empty() &&

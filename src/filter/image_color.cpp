@@ -200,8 +200,7 @@ int C_Image::TurnRGBNeg(C_Image* mask) {
         RenewPalette();
         return 1;
     }
-    vistrane::filter::NegativeWhereSelected(vistrane::image::ViewOf(*this),
-                                            MaskArgumentView(mask));
+    vistrane::filter::NegativeWhereSelected(vistrane::image::ViewOf(*this), MaskArgumentView(mask));
     return 1;
 }
 

@@ -12,6 +12,7 @@
 #include "filter/filter_rows.h"
 
 #include <vistrane/companion/helper.h>
+#include <vistrane/filter/filter_types.h>
 
 #include <algorithm>
 #include <array>
@@ -29,7 +30,7 @@ struct Tap {
 };
 
 int BuildTaps(const int* kernel, std::ptrdiff_t stride, int bytesPerPixel,
-              std::array<Tap, 49>& taps) {
+              std::array<Tap, FILTER_KERNEL_TAPS>& taps) {
     int n = 0;
     for (int r = 0; r < 7; ++r) {
         for (int c = 0; c < 7; ++c) {
@@ -121,8 +122,8 @@ constexpr int kBandRows = 32;
 void FilteredRowByteWise(const BYTE* bufferRow, int rowBytes, const Tap* taps, int nTaps,
                          const FilterSettings& s, const ExactDivider& divider,
                          ConvolveBytesFn convolve, BYTE* filterColour, BYTE* colours) {
-    const BYTE* rows[49];
-    int weights[49];
+    const BYTE* rows[FILTER_KERNEL_TAPS];
+    int weights[FILTER_KERNEL_TAPS];
     for (int t = 0; t < nTaps; ++t) {
         rows[t] = bufferRow + taps[t].displacement;
         weights[t] = taps[t].weight;
@@ -189,7 +190,7 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
     if (width <= 0 || height <= 0) {
         return;
     }
-    std::array<Tap, 49> taps;
+    std::array<Tap, FILTER_KERNEL_TAPS> taps;
     const int nTaps = BuildTaps(settings.kernel, buffer.stride, settings.bytesPerPixel, taps);
     const std::size_t rowBytes = static_cast<std::size_t>(width) * settings.bytesPerPixel;
     std::vector<BYTE> colours(rowBytes);

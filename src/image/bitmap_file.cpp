@@ -1,5 +1,7 @@
 #include "image/bitmap_file.h"
 
+#include <vistrane/image/image.h>
+
 #include "image/image_size.h"
 
 namespace vistrane::image {
@@ -21,14 +23,14 @@ bool ShapeOfInfoHeader(const BITMAPINFOHEADER& header, BitmapFileShape* shape) {
     } else {
         return false;
     }
-    const auto pixelBytes =
-        BitmapBytes(header.biWidth, header.biHeight, header.biBitCount, kInfoHeaderBytes + 1024);
+    const auto pixelBytes = BitmapBytes(header.biWidth, header.biHeight, header.biBitCount,
+                                        kInfoHeaderBytes + COLOR_TABLE_BYTES);
     if (!pixelBytes) {
         return false;
     }
     shape->width = header.biWidth;
     shape->height = header.biHeight;
-    shape->pixelBytes = *pixelBytes - kInfoHeaderBytes - 1024;
+    shape->pixelBytes = *pixelBytes - kInfoHeaderBytes - COLOR_TABLE_BYTES;
     return true;
 }
 

@@ -23,7 +23,7 @@ const CRuntimeClass* C_Image::GetRuntimeClass() const {
     return &classC_Image;
 }
 
-C_Image::C_Image() : m_SampleRangeLimit(m_Helper.GetSampleRangeLimit()) {}
+C_Image::C_Image() = default;
 
 C_Image::~C_Image() {
     SelfDestruct();
@@ -37,14 +37,8 @@ C_Image& C_Image::operator=(const C_Image& other) {
     m_pMapBuffer = other.m_pMapBuffer;
     m_Bitmap.m_hObject = other.m_Bitmap.m_hObject;
     m_Palette.m_hObject = other.m_Palette.m_hObject;
-    m_ForePalInd = other.m_ForePalInd;
-    m_BackPalInd = other.m_BackPalInd;
-    m_TransPalInd = other.m_TransPalInd;
-    m_ForeTrueColor = other.m_ForeTrueColor;
-    m_BackTrueColor = other.m_BackTrueColor;
-    m_TranspTrueColor = other.m_TranspTrueColor;
+    m_PaintColors = other.m_PaintColors;
     m_BehavesLikeMask = other.m_BehavesLikeMask;
-    m_SampleRangeLimit = other.m_SampleRangeLimit;
     m_BlendMode = other.m_BlendMode;
     m_BlendModeOption = other.m_BlendModeOption;
     m_GlobalOpacity = other.m_GlobalOpacity;
@@ -57,8 +51,9 @@ C_Image& C_Image::operator=(const C_Image& other) {
     m_pSmudgeColor = other.m_pSmudgeColor;
     m_pSmudgePixel = other.m_pSmudgePixel;
     m_FilterNTaps = other.m_FilterNTaps;
-    std::copy(other.m_FilterTapRows, other.m_FilterTapRows + 49, m_FilterTapRows);
-    std::copy(other.m_FilterTapWeights, other.m_FilterTapWeights + 49, m_FilterTapWeights);
+    std::copy(other.m_FilterTapRows, other.m_FilterTapRows + FILTER_KERNEL_TAPS, m_FilterTapRows);
+    std::copy(other.m_FilterTapWeights, other.m_FilterTapWeights + FILTER_KERNEL_TAPS,
+              m_FilterTapWeights);
     m_FilterSample = other.m_FilterSample;
     m_FilterPerChannel = other.m_FilterPerChannel;
     m_FilterDivisor = other.m_FilterDivisor;
@@ -233,12 +228,7 @@ void C_Image::TransformInto(C_Image* other, int deleteOther) {
     other->m_pMapBuffer = nullptr;
     other->FreePalette();
     RenewPalette();
-    m_ForePalInd = other->m_ForePalInd;
-    m_BackPalInd = other->m_BackPalInd;
-    m_TransPalInd = other->m_TransPalInd;
-    m_ForeTrueColor = other->m_ForeTrueColor;
-    m_BackTrueColor = other->m_BackTrueColor;
-    m_TranspTrueColor = other->m_TranspTrueColor;
+    m_PaintColors = other->m_PaintColors;
     m_BehavesLikeMask = other->m_BehavesLikeMask;
     if (deleteOther != 0) {
         delete other;

@@ -93,9 +93,9 @@ int C_Image::ReadFromArchive(CArchive& ar) {
         const std::vector<BYTE> colors = ReadExactly(ar, 4 * shape.nColors);
         const std::vector<BYTE> pixels = ReadExactly(ar, shape.pixelBytes);
         vistrane::image::TemporaryImage read = vistrane::image::NewTemporary();
-        if (!read || !read->Create(shape.width, shape.height, shape.trueColor,
-                                   reinterpret_cast<const RGBQUAD*>(colors.data()),
-                                   shape.nColors)) {
+        if (!read ||
+            !read->Create(shape.width, shape.height, shape.trueColor,
+                          reinterpret_cast<const RGBQUAD*>(colors.data()), shape.nColors)) {
             return 0;
         }
         std::memcpy(read->BitmapBytes(), pixels.data(), pixels.size());

@@ -139,27 +139,27 @@ unsigned char C_Image::CheckColorInd(unsigned char i) const {
 }
 
 unsigned char C_Image::SetForePalInd(unsigned char i) {
-    return m_ForePalInd = CheckColorInd(i);
+    return m_PaintColors.index[PAINT_COLORS_FORE] = CheckColorInd(i);
 }
 
 unsigned char C_Image::SetBackPalInd(unsigned char i) {
-    return m_BackPalInd = CheckColorInd(i);
+    return m_PaintColors.index[PAINT_COLORS_BACK] = CheckColorInd(i);
 }
 
 unsigned char C_Image::SetTransPalInd(unsigned char i) {
-    return m_TransPalInd = CheckColorInd(i);
+    return m_PaintColors.index[PAINT_COLORS_TRANSP] = CheckColorInd(i);
 }
 
 unsigned char C_Image::GetForePalInd() {
-    return SetForePalInd(m_ForePalInd);
+    return SetForePalInd(m_PaintColors.index[PAINT_COLORS_FORE]);
 }
 
 unsigned char C_Image::GetBackPalInd() {
-    return SetBackPalInd(m_BackPalInd);
+    return SetBackPalInd(m_PaintColors.index[PAINT_COLORS_BACK]);
 }
 
 unsigned char C_Image::GetTransPalInd() {
-    return SetTransPalInd(m_TransPalInd);
+    return SetTransPalInd(m_PaintColors.index[PAINT_COLORS_TRANSP]);
 }
 
 void C_Image::CheckColorInds() {
@@ -177,15 +177,18 @@ unsigned long C_Image::PaletteEntryColorRef(unsigned long i) const {
 }
 
 unsigned long C_Image::GetForeColorRef() const {
-    return IsTrueColor() ? m_ForeTrueColor : PaletteEntryColorRef(m_ForePalInd);
+    return IsTrueColor() ? m_PaintColors.colorRef[PAINT_COLORS_FORE]
+                         : PaletteEntryColorRef(m_PaintColors.index[PAINT_COLORS_FORE]);
 }
 
 unsigned long C_Image::GetBackColorRef() const {
-    return IsTrueColor() ? m_BackTrueColor : PaletteEntryColorRef(m_BackPalInd);
+    return IsTrueColor() ? m_PaintColors.colorRef[PAINT_COLORS_BACK]
+                         : PaletteEntryColorRef(m_PaintColors.index[PAINT_COLORS_BACK]);
 }
 
 unsigned long C_Image::GetTranspColorRef() const {
-    return IsTrueColor() ? m_TranspTrueColor : PaletteEntryColorRef(m_TransPalInd);
+    return IsTrueColor() ? m_PaintColors.colorRef[PAINT_COLORS_TRANSP]
+                         : PaletteEntryColorRef(m_PaintColors.index[PAINT_COLORS_TRANSP]);
 }
 
 unsigned char C_Image::GetPalPaintColor(PAINT_COLORS c) {
@@ -227,22 +230,14 @@ void C_Image::CopyPaintColors(C_Image* src) {
     }
     const bool thisTrue = IsTrueColor() != 0;
     const bool srcTrue = src->IsTrueColor() != 0;
-    if (!thisTrue && srcTrue) {
-        m_ForeTrueColor = src->m_ForeTrueColor;
-        m_BackTrueColor = src->m_BackTrueColor;
-        m_TranspTrueColor = src->m_TranspTrueColor;
-        return;
+    // A palette image keeps its own indices when it takes a 24-bit image's colours; a 24-bit
+    // image takes a palette image's colours as the entries its indices name.
+    const PaintColorSet from = src->m_PaintColors;
+    for (int c = 0; c < 3; ++c) {
+        m_PaintColors.colorRef[c] =
+            thisTrue && !srcTrue ? src->PaletteEntryColorRef(from.index[c]) : from.colorRef[c];
+        if (thisTrue || !srcTrue) {
+            m_PaintColors.index[c] = from.index[c];
+        }
     }
-    if (thisTrue && !srcTrue) {
-        m_ForeTrueColor = src->PaletteEntryColorRef(src->m_ForePalInd);
-        m_BackTrueColor = src->PaletteEntryColorRef(src->m_BackPalInd);
-        m_TranspTrueColor = src->PaletteEntryColorRef(src->m_TransPalInd);
-    } else {
-        m_ForeTrueColor = src->m_ForeTrueColor;
-        m_BackTrueColor = src->m_BackTrueColor;
-        m_TranspTrueColor = src->m_TranspTrueColor;
-    }
-    m_ForePalInd = src->m_ForePalInd;
-    m_BackPalInd = src->m_BackPalInd;
-    m_TransPalInd = src->m_TransPalInd;
 }

@@ -171,7 +171,7 @@ ImageFileResult ParseHeaders(CFile& file, std::uint64_t length, BmpLayout& layou
                        " bytes of pixels, found " + Number(available));
     }
     // The engine's header and size fields are 32-bit.
-    if (layout.pixelBytes > UINT32_MAX - kInfoHeaderBytes - 4 * 256) {
+    if (layout.pixelBytes > UINT32_MAX - kInfoHeaderBytes - COLOR_TABLE_BYTES) {
         return Failure(TooLarge(layout));
     }
     return Success();

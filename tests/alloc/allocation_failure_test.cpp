@@ -33,8 +33,12 @@ void* CountedAllocation(std::size_t size) {
 
 }  // namespace
 
-void* operator new(std::size_t size) { return CountedAllocation(size); }
-void* operator new[](std::size_t size) { return CountedAllocation(size); }
+void* operator new(std::size_t size) {
+    return CountedAllocation(size);
+}
+void* operator new[](std::size_t size) {
+    return CountedAllocation(size);
+}
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     try {
         return CountedAllocation(size);
@@ -45,10 +49,18 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
     return operator new(size, tag);
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept {
+    std::free(p);
+}
 
 namespace {
 
@@ -61,7 +73,9 @@ struct Case {
     std::function<void(C_Image& image, C_Image& other)> prepare = [](C_Image&, C_Image&) {};
 };
 
-void PrintTo(const Case& c, std::ostream* os) { *os << c.name; }
+void PrintTo(const Case& c, std::ostream* os) {
+    *os << c.name;
+}
 
 // Runs the operation with allocations counted but none failing; returns how many it made.
 long CountAllocations(const Case& c, C_Image& image, C_Image& other) {
@@ -123,14 +137,16 @@ TEST_P(AllocationFailure, NothingThrowsAndARefusalChangesNothing) {
 }
 
 int g_boxKernel[49] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 0, 0, 0, 0, 1, 1,
-                      1, 0, 0, 0, 0, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+                       1, 0, 0, 0, 0, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 
 void MakeOvalMask(C_Image& image, C_Image& mask) {
     ASSERT_EQ(mask.CreateMask(image.Width(), image.Height()), 1);
     mask.MaskOval(CRect(2, 2, 30, 20), 180);
 }
 
-void MakeCopy(C_Image& image, C_Image& copy) { ASSERT_EQ(copy.Clone(&image), 1); }
+void MakeCopy(C_Image& image, C_Image& copy) {
+    ASSERT_EQ(copy.Clone(&image), 1);
+}
 
 const Case kCases[] = {
     {"PaintMaskedDissolve", 24,
@@ -140,8 +156,7 @@ const Case kCases[] = {
      MakeOvalMask},
     {"PaintMaskedPalette", 8,
      [](C_Image& image, C_Image&) {
-         return image.PaintMasked(PAINT_COLORS_FORE, BLENDMODE_MULTIPLY, 0, 128, nullptr,
-                                  nullptr);
+         return image.PaintMasked(PAINT_COLORS_FORE, BLENDMODE_MULTIPLY, 0, 128, nullptr, nullptr);
      }},
     {"FilterImage", 24,
      [](C_Image& image, C_Image& mask) {

@@ -221,8 +221,8 @@ TEST_F(ImageColor, EveryMaskedMemberRefusesAMaskThatDoesNotFit) {
          [](C_Image& i, C_Image* m) {
              int kernel[49] = {};
              kernel[24] = 2;
-             return i.FilterImage(BLENDMODE_NORMAL, 255, 0, 0, 0, i.Width(), i.Height(), m,
-                                  kernel, 0, 1, FILTER_PER_CHANNEL, nullptr, 0, 0);
+             return i.FilterImage(BLENDMODE_NORMAL, 255, 0, 0, 0, i.Width(), i.Height(), m, kernel,
+                                  0, 1, FILTER_PER_CHANNEL, nullptr, 0, 0);
          }},
     };
     C_Image wrongSize, trueColor, empty;

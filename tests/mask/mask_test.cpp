@@ -164,10 +164,9 @@ TEST_F(MaskTest, OpacityRescalingRules) {
         for (const int value : {0, -40}) {
             MakeMask(a, 3, 1, {0, 200, 255});
             a.ChangeMaskOpacity(value, absolute);
-            const std::vector<BYTE> raised = absolute ? std::vector<BYTE>{0, 1, 1}
-                                                      : std::vector<BYTE>{0, 2, 3};
-            EXPECT_EQ(Bytes(a), raised)
-                << value << " " << absolute;
+            const std::vector<BYTE> raised =
+                absolute ? std::vector<BYTE>{0, 1, 1} : std::vector<BYTE>{0, 2, 3};
+            EXPECT_EQ(Bytes(a), raised) << value << " " << absolute;
         }
     }
 

@@ -105,7 +105,7 @@ std::string SharpenFilter(DemoContext& context) {
     if (image.Clone(&context.picture) == 0) {
         return "cannot copy the picture";
     }
-    int kernel[49] = {};
+    int kernel[FILTER_KERNEL_TAPS] = {};
     const int sharpen[9] = {0, -1, 0, -1, 5, -1, 0, -1, 0};
     for (int i = 0; i < 9; ++i) {
         kernel[(2 + i / 3) * 7 + 2 + i % 3] = sharpen[i];

@@ -25,7 +25,7 @@ struct Preset {
 
 const Preset kPresets[] = {
     {"blur", {1, 1, 1, 1, 1, 1, 1, 1, 1}, 9, 0},
-    {"blur7", std::vector<int>(49, 1), 49, 0},
+    {"blur7", std::vector<int>(FILTER_KERNEL_TAPS, 1), FILTER_KERNEL_TAPS, 0},
     {"sharpen", {0, -1, 0, -1, 5, -1, 0, -1, 0}, 1, 0},
     {"edge", {-1, -1, -1, -1, 8, -1, -1, -1, -1}, 1, 0},
     {"emboss", {-2, -1, 0, -1, 1, 1, 0, 1, 2}, 1, 0},
@@ -35,7 +35,7 @@ const Preset kPresets[] = {
 void Centre(const std::vector<int>& weights, int* field) {
     const int n = weights.size() == 9 ? 3 : (weights.size() == 25 ? 5 : 7);
     const int margin = (7 - n) / 2;
-    std::fill(field, field + 49, 0);
+    std::fill(field, field + FILTER_KERNEL_TAPS, 0);
     for (int r = 0; r < n; ++r) {
         for (int c = 0; c < n; ++c) {
             field[(r + margin) * 7 + c + margin] = weights[r * n + c];
@@ -53,7 +53,7 @@ bool ParseKernel(const std::string& text, std::vector<int>& weights, std::string
         }
         weights.push_back(w);
     }
-    if (weights.size() != 9 && weights.size() != 25 && weights.size() != 49) {
+    if (weights.size() != 9 && weights.size() != 25 && weights.size() != FILTER_KERNEL_TAPS) {
         error = "--kernel needs 9, 25 or 49 comma-separated weights, not " +
                 std::to_string(weights.size());
         return false;
@@ -116,7 +116,7 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
     if (!image.CanEditTrueColor() && image.TurnGrayPalette() == 0) {
         return Failure(command, "cannot make a grey image to filter");
     }
-    int field[49];
+    int field[FILTER_KERNEL_TAPS];
     Centre(weights, field);
     glb_CreateImageLUTs();
     const int done = image.FilterImage(mode, static_cast<unsigned char>(opacity), option, 0, 0,

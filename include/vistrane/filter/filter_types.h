@@ -8,6 +8,9 @@
 // Which quantity of a pixel FilterImage filters. Palette (grey) images always filter the stored
 // byte. 3..6 belong to the rank filters and 7..10 to the noise filters, which take the same
 // enumeration; FilterImage computes their sums but stores no filter colour for them.
+// Every filter kernel is 7 x 7 weights, row by row; smaller kernels sit centred in zeros.
+constexpr int FILTER_KERNEL_TAPS = 49;
+
 enum FILTER_TYPE {
     FILTER_PER_CHANNEL = 0,  // blue, green and red filtered separately
     FILTER_GRAY = 1,         // (R + G + B) / 3, written to all three channels

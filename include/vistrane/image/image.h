@@ -38,6 +38,9 @@
 
 class CDC;
 
+// Every image keeps room for a full colour table of 256 entries, 24-bit images too.
+constexpr DWORD COLOR_TABLE_BYTES = 256 * sizeof(RGBQUAD);
+
 // Which paint colour an operation uses; every value other than 0 and 1 is the transparent one.
 enum PAINT_COLORS {
     PAINT_COLORS_FORE = 0,
@@ -113,7 +116,7 @@ class VISTRANE_API C_Image : public CObject {
 
     // ---- Layout of the map buffer ----------------------------------------------------------
 
-    static DWORD OffsetImageOnMap() { return m_SizeOfBitmapInfoHeader + 1024; }
+    static DWORD OffsetImageOnMap() { return m_SizeOfBitmapInfoHeader + COLOR_TABLE_BYTES; }
     BITMAPINFO* BitmapInfo() const { return static_cast<BITMAPINFO*>(m_pMapBuffer); }
     BITMAPINFOHEADER* BitmapInfoHeader() const {
         return static_cast<BITMAPINFOHEADER*>(m_pMapBuffer);
@@ -183,12 +186,12 @@ class VISTRANE_API C_Image : public CObject {
     unsigned char GetBackPalInd();
     unsigned char GetTransPalInd();
     void CheckColorInds();
-    void SetForeTrueColor(unsigned long c) { m_ForeTrueColor = c; }
-    void SetBackTrueColor(unsigned long c) { m_BackTrueColor = c; }
-    void SetTranspTrueColor(unsigned long c) { m_TranspTrueColor = c; }
-    unsigned long GetForeTrueColor() const { return m_ForeTrueColor; }
-    unsigned long GetBackTrueColor() const { return m_BackTrueColor; }
-    unsigned long GetTranspTrueColor() const { return m_TranspTrueColor; }
+    void SetForeTrueColor(unsigned long c) { m_PaintColors.colorRef[PAINT_COLORS_FORE] = c; }
+    void SetBackTrueColor(unsigned long c) { m_PaintColors.colorRef[PAINT_COLORS_BACK] = c; }
+    void SetTranspTrueColor(unsigned long c) { m_PaintColors.colorRef[PAINT_COLORS_TRANSP] = c; }
+    unsigned long GetForeTrueColor() const { return m_PaintColors.colorRef[PAINT_COLORS_FORE]; }
+    unsigned long GetBackTrueColor() const { return m_PaintColors.colorRef[PAINT_COLORS_BACK]; }
+    unsigned long GetTranspTrueColor() const { return m_PaintColors.colorRef[PAINT_COLORS_TRANSP]; }
     // The COLORREF of entry (i modulo NColors()); 0 for an image without colours.
     unsigned long PaletteEntryColorRef(unsigned long i) const;
     unsigned long GetForeColorRef() const;
@@ -695,15 +698,15 @@ class VISTRANE_API C_Image : public CObject {
     void* m_pMapBuffer = nullptr;
     CBitmap m_Bitmap;
     CPalette m_Palette;
-    unsigned char m_ForePalInd = 0;
-    unsigned char m_BackPalInd = 0;
-    unsigned char m_TransPalInd = 0;
-    unsigned long m_ForeTrueColor = 0x00FFFFFF;
-    unsigned long m_BackTrueColor = 0;
-    unsigned long m_TranspTrueColor = 0;
+    // The three paint colours, indexed by PAINT_COLORS: palette indices for 8-bit images and
+    // COLORREFs for 24-bit ones. Copied as one whenever an image hands its colours on.
+    struct PaintColorSet {
+        unsigned char index[3] = {0, 0, 0};
+        unsigned long colorRef[3] = {0x00FFFFFF, 0, 0};
+    };
+    PaintColorSet m_PaintColors;
     C_Helper m_Helper;
     int m_BehavesLikeMask = 0;
-    LONG m_SampleRangeLimit;
     // Painting state, continued: the kernels' operands. The source colour doubles as the
     // filter colour that FilterImage carries from pixel to pixel; a new image starts it black.
     unsigned char m_BlendResult[3] = {0, 0, 0};
@@ -713,8 +716,8 @@ class VISTRANE_API C_Image : public CObject {
     unsigned char* m_pSmudgeColor = nullptr;
     const unsigned char* m_pSmudgePixel = nullptr;
     int m_FilterNTaps = 0;
-    const unsigned char* m_FilterTapRows[49] = {};
-    int m_FilterTapWeights[49] = {};
+    const unsigned char* m_FilterTapRows[FILTER_KERNEL_TAPS] = {};
+    int m_FilterTapWeights[FILTER_KERNEL_TAPS] = {};
     long m_FilterSample = 0;
     int m_FilterPerChannel = 1;
     int m_FilterDivisor = 1;
