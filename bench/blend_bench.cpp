@@ -44,7 +44,8 @@ void PaintRows(benchmark::State& state, int mode, bool fast, bool halfMask) {
     C_Helper helper;
     BlendContext context{0, &helper};
     const RowBlender blender = fast ? FastRowBlender(mode, 3) : ReferenceRowBlender(mode, 3);
-    const MergeRowFn merge = MergeRowFor(3, fast ? BestKernelSet() : KernelSet::kReference);
+    const MergeRowFn merge =
+        MergeRowFor(3, fast ? vistrane::cpu::Best() : vistrane::cpu::InstructionSet::kReference);
     for (auto _ : state) {
         for (int y = 0; y < kHeight; ++y) {
             BYTE* row = picture.data() + static_cast<std::size_t>(y) * 3 * kWidth;

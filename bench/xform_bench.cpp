@@ -151,7 +151,8 @@ void BM_XformFlipHorizontal(benchmark::State& state) {
     const bool trueColor = state.range(0) != 0;
     C_Image& picture = Picture(trueColor);
     const vistrane::xform::FlipRowKernel kernel =
-        state.range(1) != 0 ? vistrane::xform::BestFlipRow() : vistrane::xform::FlipRowRef;
+        state.range(1) != 0 ? vistrane::xform::FlipRowFor(vistrane::cpu::Best())
+                            : vistrane::xform::FlipRowRef;
     for (auto _ : state) {
         vistrane::xform::FlipHorizontal(ViewOf(picture), kernel);
         benchmark::ClobberMemory();

@@ -44,27 +44,18 @@ void DifferenceBytes(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
     }
 }
 
-bool CpuHasAvx2() {
-#if defined(__x86_64__) || defined(__i386__)
-    return __builtin_cpu_supports("avx2");
-#else
-    return false;
-#endif
-}
-
 }  // namespace
 
-KernelSet BestKernelSet() {
-    static const KernelSet best = CpuHasAvx2() ? KernelSet::kAvx2 : KernelSet::kReference;
-    return best;
-}
-
-ByteRowFn ByteRowFor(int mode, KernelSet set) {
-    if (set == KernelSet::kAvx2) {
+ByteRowFn ByteRowFor(int mode, cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
         if (ByteRowFn fast = Avx2ByteRow(mode)) {
             return fast;
         }
     }
+#else
+    (void)set;
+#endif
     switch (mode) {
         case BLENDMODE_MULTIPLY:
             return TableBytes<&glb_MultiplyLUT>;
@@ -100,15 +91,19 @@ ByteRowFn ByteRowFor(int mode, KernelSet set) {
 }
 
 ByteRowFn FastByteRow(int mode) {
-    return ByteRowFor(mode, BestKernelSet());
+    return ByteRowFor(mode, cpu::Best());
 }
 
-MergeRowFn MergeRowFor(int bytesPerPixel, KernelSet set) {
-    if (set == KernelSet::kAvx2) {
+MergeRowFn MergeRowFor(int bytesPerPixel, cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
         if (MergeRowFn fast = Avx2MergeRow(bytesPerPixel)) {
             return fast;
         }
     }
+#else
+    (void)set;
+#endif
     return bytesPerPixel == 3 ? MergeTrueColorRow : MergeGreyRow;
 }
 

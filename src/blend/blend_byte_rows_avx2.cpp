@@ -68,23 +68,25 @@ inline __m256i OverlayVec(__m256i s, __m256i d) {
 }
 
 void MultiplyRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
-    Rows(s, d, r, bytes, MultiplyVec, ByteRowFor(BLENDMODE_MULTIPLY, KernelSet::kReference));
+    Rows(s, d, r, bytes, MultiplyVec,
+         ByteRowFor(BLENDMODE_MULTIPLY, cpu::InstructionSet::kReference));
 }
 void ScreenRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
-    Rows(s, d, r, bytes, ScreenVec, ByteRowFor(BLENDMODE_SCREEN, KernelSet::kReference));
+    Rows(s, d, r, bytes, ScreenVec, ByteRowFor(BLENDMODE_SCREEN, cpu::InstructionSet::kReference));
 }
 void OverlayRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
-    Rows(s, d, r, bytes, OverlayVec, ByteRowFor(BLENDMODE_OVERLAY, KernelSet::kReference));
+    Rows(s, d, r, bytes, OverlayVec,
+         ByteRowFor(BLENDMODE_OVERLAY, cpu::InstructionSet::kReference));
 }
 void DarkenRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
     Rows(
         s, d, r, bytes, [](__m256i a, __m256i b) { return _mm256_min_epu8(a, b); },
-        ByteRowFor(BLENDMODE_DARKEN, KernelSet::kReference));
+        ByteRowFor(BLENDMODE_DARKEN, cpu::InstructionSet::kReference));
 }
 void LightenRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
     Rows(
         s, d, r, bytes, [](__m256i a, __m256i b) { return _mm256_max_epu8(a, b); },
-        ByteRowFor(BLENDMODE_LIGHTEN, KernelSet::kReference));
+        ByteRowFor(BLENDMODE_LIGHTEN, cpu::InstructionSet::kReference));
 }
 void DifferenceRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
     Rows(
@@ -92,7 +94,7 @@ void DifferenceRow(const BYTE* s, const BYTE* d, BYTE* r, int bytes) {
         [](__m256i a, __m256i b) {
             return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a));
         },
-        ByteRowFor(BLENDMODE_DIFFERENCE, KernelSet::kReference));
+        ByteRowFor(BLENDMODE_DIFFERENCE, cpu::InstructionSet::kReference));
 }
 
 // Lays 32 result bytes over 32 pixel bytes with 32 per-byte opacities:

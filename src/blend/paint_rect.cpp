@@ -16,7 +16,7 @@ bool PaintRect(const image::PixelView& target, const image::PixelView& mask, con
     const int width = target.width;
     const RowBlender blender = FastRowBlender(mode, bpp);
     const MergeRowFn merge =
-        kind == ImageKind::kPalette ? MergePaletteRow : MergeRowFor(bpp, BestKernelSet());
+        kind == ImageKind::kPalette ? MergePaletteRow : MergeRowFor(bpp, cpu::Best());
     const bool whole = mask.Empty() && opacity == 255;
     std::vector<BYTE> source, result, alpha;
     try {

@@ -36,7 +36,7 @@ void RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
     if (args.op == ColorRowOp::kLut && mask.Empty() &&
         (grey || (std::equal(args.tables.red, args.tables.red + 256, args.tables.green) &&
                   std::equal(args.tables.red, args.tables.red + 256, args.tables.blue)))) {
-        const LutBytesFn lut = BestLutBytes();
+        const LutBytesFn lut = LutBytesFor(cpu::Best());
         for (int y = 0; y < view.height; ++y) {
             lut(view.Row(y), view.RowBytes(), args.tables.red);
         }

@@ -18,7 +18,7 @@ void Commit(BYTE* row, const BYTE* fresh, int count, int bytesPerPixel, const BY
         std::memcpy(row, fresh, static_cast<std::size_t>(count) * bytesPerPixel);
         return;
     }
-    blend::MergeRowFor(bytesPerPixel, blend::BestKernelSet())(row, fresh, mask, count);
+    blend::MergeRowFor(bytesPerPixel, cpu::Best())(row, fresh, mask, count);
 }
 
 }  // namespace
@@ -61,7 +61,7 @@ void LutRowGrey(BYTE* row, int count, const BYTE* table, const BYTE* mask, BYTE*
 
 void GrayRowTrueColor(BYTE* row, int count, const BYTE* mask, BYTE* scratch) {
     if (mask == nullptr) {
-        static const GreyBgrFn grey = BestGreyBgr();
+        static const GreyBgrFn grey = GreyBgrFor(cpu::Best());
         grey(row, count);
         return;
     }

@@ -1,7 +1,5 @@
 #include "filter/filter_rows.h"
 
-#include "blend/blend_dispatch.h"
-
 #include <algorithm>
 #include <cstdint>
 
@@ -28,11 +26,13 @@ void ConvolveBytesRef(const BYTE* const* tapRows, const int* weights, int nTaps,
     }
 }
 
-ConvolveBytesFn BestConvolveBytes() {
-#if defined(__x86_64__) || defined(__i386__)
-    if (blend::BestKernelSet() == blend::KernelSet::kAvx2) {
+ConvolveBytesFn ConvolveBytesFor(cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
         return ConvolveBytesAvx2;
     }
+#else
+    (void)set;
 #endif
     return ConvolveBytesRef;
 }

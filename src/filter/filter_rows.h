@@ -7,6 +7,7 @@
 // and hands the rest of the range to the reference.
 
 #include "filter/exact_divide.h"
+#include "platform/cpu_features.h"
 
 #include <vistrane/platform/types.h>
 
@@ -22,7 +23,6 @@ void ConvolveBytesRef(const BYTE* const* tapRows, const int* weights, int nTaps,
 void ConvolveBytesAvx2(const BYTE* const* tapRows, const int* weights, int nTaps, int start,
                        int end, const ExactDivider& divider, int offset, BYTE* out);
 
-// ConvolveBytesAvx2 when the CPU and the build offer it, else the reference.
-ConvolveBytesFn BestConvolveBytes();
+ConvolveBytesFn ConvolveBytesFor(cpu::InstructionSet set);
 
 }  // namespace vistrane::filter

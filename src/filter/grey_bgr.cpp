@@ -1,7 +1,5 @@
 #include "filter/grey_bgr.h"
 
-#include "blend/blend_dispatch.h"
-
 namespace vistrane::filter {
 
 void GreyBgrRef(BYTE* row, int count) {
@@ -11,11 +9,13 @@ void GreyBgrRef(BYTE* row, int count) {
     }
 }
 
-GreyBgrFn BestGreyBgr() {
-#if defined(__x86_64__) || defined(__i386__)
-    if (blend::BestKernelSet() == blend::KernelSet::kAvx2) {
+GreyBgrFn GreyBgrFor(cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
         return GreyBgrAvx2;
     }
+#else
+    (void)set;
 #endif
     return GreyBgrRef;
 }

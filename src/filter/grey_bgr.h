@@ -5,6 +5,7 @@
 // the row going to the reference.
 
 #include <vistrane/platform/types.h>
+#include "platform/cpu_features.h"
 
 namespace vistrane::filter {
 
@@ -13,6 +14,6 @@ using GreyBgrFn = void (*)(BYTE* row, int count);
 void GreyBgrRef(BYTE* row, int count);
 // Defined in grey_bgr_avx2.cpp; call only when the CPU has AVX2.
 void GreyBgrAvx2(BYTE* row, int count);
-GreyBgrFn BestGreyBgr();
+GreyBgrFn GreyBgrFor(cpu::InstructionSet set);
 
 }  // namespace vistrane::filter

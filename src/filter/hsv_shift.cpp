@@ -2,8 +2,6 @@
 
 #include <vistrane/companion/helper.h>
 
-#include "blend/blend_dispatch.h"
-
 #include <algorithm>
 
 namespace vistrane::filter {
@@ -21,7 +19,7 @@ constexpr int ClampByte(int v) {
 
 }  // namespace
 
-HsvShifter::HsvShifter(int hueShift, int saturationShift, int valueShift)
+HsvShifter::HsvShifter(int hueShift, int saturationShift, int valueShift, cpu::InstructionSet set)
     : m_HueShift(hueShift),
       m_SaturationShift(saturationShift),
       m_ValueShift(valueShift),
@@ -40,10 +38,12 @@ HsvShifter::HsvShifter(int hueShift, int saturationShift, int valueShift)
                 static_cast<std::int8_t>(FloorDiv(2 * kSector * difference + delta, 2 * delta));
         }
     }
-#if defined(__x86_64__) || defined(__i386__)
-    if (blend::BestKernelSet() == blend::KernelSet::kAvx2) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
         m_Fast = ShiftHsvAvx2;
     }
+#else
+    (void)set;
 #endif
 }
 

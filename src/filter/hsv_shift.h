@@ -6,10 +6,12 @@
 // constant. Gives C_Helper::OffsetHSV's bytes for every colour and shift.
 //
 // ApplyRef is the plain rule and defines the bytes; Apply runs the AVX2 row of
-// hsv_shift_avx2.cpp when the CPU has it (chosen once, at construction), which does the same
+// hsv_shift_avx2.cpp when the instruction set given at construction is AVX2, which does the same
 // integer arithmetic eight pixels at a time and hands the last pixels of a row to ApplyRef.
 
 #include <vistrane/platform/types.h>
+
+#include "platform/cpu_features.h"
 
 #include <cstdint>
 #include <vector>
@@ -18,7 +20,8 @@ namespace vistrane::filter {
 
 class HsvShifter {
   public:
-    HsvShifter(int hueShift, int saturationShift, int valueShift);
+    HsvShifter(int hueShift, int saturationShift, int valueShift,
+               cpu::InstructionSet set = cpu::Best());
 
     // Shifts `count` pixels (blue, green, red) in place.
     void Apply(BYTE* pixels, int count) const;

@@ -55,7 +55,7 @@ int C_Image::FilterImage(BLENDMODES mode, unsigned char opacity, int blendOption
     settings.blendTakesFilterColour = blendMode == BLENDMODE_NORMAL;
     const vistrane::blend::RowBlender blender = vistrane::blend::FastRowBlender(blendMode, bpp);
     vistrane::blend::BlendContext context{m_BlendModeOption, &m_Helper};
-    const auto merge = vistrane::blend::MergeRowFor(bpp, vistrane::blend::BestKernelSet());
+    const auto merge = vistrane::blend::MergeRowFor(bpp, vistrane::cpu::Best());
     try {
         if (buffer == nullptr) {
             vistrane::filter::FilterRectBanded(target, maskPlane, static_cast<int>(width),

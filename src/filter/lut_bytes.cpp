@@ -1,7 +1,5 @@
 #include "filter/lut_bytes.h"
 
-#include "blend/blend_dispatch.h"
-
 #include <bit>
 #include <cstring>
 
@@ -55,11 +53,13 @@ void LutBgrWords(BYTE* pixels, int count, const BgrLut& lut) {
     }
 }
 
-LutBytesFn BestLutBytes() {
-#if defined(__x86_64__) || defined(__i386__)
-    if (blend::BestKernelSet() == blend::KernelSet::kAvx2) {
+LutBytesFn LutBytesFor(cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
         return LutBytesAvx2;
     }
+#else
+    (void)set;
 #endif
     return LutBytesRef;
 }

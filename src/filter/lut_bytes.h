@@ -6,6 +6,7 @@
 // reference's bytes and handles whole 32-byte blocks, the rest going to the reference.
 
 #include <vistrane/platform/types.h>
+#include "platform/cpu_features.h"
 
 #include <cstdint>
 
@@ -16,7 +17,7 @@ using LutBytesFn = void (*)(BYTE* bytes, int count, const BYTE* table);
 void LutBytesRef(BYTE* bytes, int count, const BYTE* table);
 // Defined in lut_bytes_avx2.cpp; call only when the CPU has AVX2.
 void LutBytesAvx2(BYTE* bytes, int count, const BYTE* table);
-LutBytesFn BestLutBytes();
+LutBytesFn LutBytesFor(cpu::InstructionSet set);
 
 // Three different tables over 24-bit pixels: blue[B], green[G], red[R]. The word row takes
 // four pixels (12 bytes) a step and writes them back as three 32-bit words, each assembled from

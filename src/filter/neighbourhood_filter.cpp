@@ -198,7 +198,7 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
     std::vector<BYTE> opacity(width);
     const bool byteWise = ByteWise(settings);
     const ExactDivider divider(settings.divisor);
-    const ConvolveBytesFn convolve = BestConvolveBytes();
+    const ConvolveBytesFn convolve = ConvolveBytesFor(cpu::Best());
     const bool fullOpacity = mask.first == nullptr && settings.opacity == 255;
     // The blend would copy the colours unchanged, so the convolution writes into the target,
     // unless the caller's buffer shares bytes with it (the colours must then come from the

@@ -38,7 +38,4 @@ std::uint32_t OpenBitsRgb24(const RowTest& test, const BYTE* sourceRow, const BY
 std::uint32_t OpenBitsRgb24Avx2(const RowTest& test, const BYTE* sourceRow, const BYTE* maskRow,
                                 int x, int count);
 
-// Whether the processor runs OpenBitsRgb24Avx2.
-bool HasAvx2Kernels();
-
 }  // namespace vistrane::mask

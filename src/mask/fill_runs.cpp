@@ -66,12 +66,6 @@ bool AcceptedRange(const unsigned char* accept, BYTE& low, BYTE& high) {
 
 }  // namespace
 
-bool HasAvx2Kernels() {
-    static const bool has =
-        __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi2") != 0;
-    return has;
-}
-
 RowTest ChooseRowTest(const S_ColorMatchData& data, const image::ConstPixelView& source,
                       RowKernels kernels) {
     RowTest test;
@@ -99,7 +93,8 @@ RowTest ChooseRowTest(const S_ColorMatchData& data, const image::ConstPixelView&
     const bool ranges = AcceptedRange(data.m_Accept + 512, low[0], high[0]) &&
                         AcceptedRange(data.m_Accept + 256, low[1], high[1]) &&
                         AcceptedRange(data.m_Accept, low[2], high[2]);
-    if (kernels == RowKernels::Best && ranges && HasAvx2Kernels()) {
+#if VISTRANE_X86_KERNELS
+    if (kernels == RowKernels::Best && cpu::Best() == cpu::InstructionSet::kAvx2 && ranges) {
         for (int part = 0; part < 3; ++part) {
             for (int k = 0; k < 32; ++k) {
                 const int channel = (32 * part + k) % 3;
@@ -109,6 +104,9 @@ RowTest ChooseRowTest(const S_ColorMatchData& data, const image::ConstPixelView&
         }
         test.openBits = OpenBitsRgb24Avx2;
     }
+#else
+    (void)ranges;
+#endif
     return test;
 }
 

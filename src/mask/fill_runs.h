@@ -17,13 +17,14 @@
 
 #include "image/pixel_view.h"
 #include "mask/fill_kernels.h"
+#include "platform/cpu_features.h"
 
 namespace vistrane::mask {
 
 enum class RowKernels { Reference, Scalar, Best };
 
 // Prepares the test of `data` on `source`. Reference uses OpenBitsRef throughout; Scalar the
-// plain specialised kernels; Best adds the vector kernel where the processor has it.
+// plain specialised kernels, on every processor; Best adds the vector kernel of cpu::Best().
 RowTest ChooseRowTest(const S_ColorMatchData& data, const image::ConstPixelView& source,
                       RowKernels kernels = RowKernels::Best);
 

@@ -1,5 +1,5 @@
 // The row test of RGB fills on 3-byte sources, 32 pixels at a time. Built with AVX2 and BMI2;
-// called only when HasAvx2Kernels() says the processor has both.
+// chosen only for the AVX2 instruction set, which includes BMI2.
 
 #include <immintrin.h>
 

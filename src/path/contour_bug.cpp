@@ -131,7 +131,7 @@ long MarkEdgePixels(const unsigned char* mask, long maskScan, unsigned char* inn
     // The same bytes as marking interior pixels 254 and edge pixels 255 in place and then
     // clearing everything below 255, computed in one pass from the source mask. The rows above
     // the first and below the last read as unselected.
-    const MarkEdgeRowFunction markRow = BestContourRowKernels().markEdgeRow;
+    const MarkEdgeRowFunction markRow = ContourRowKernelsFor(cpu::Best()).markEdgeRow;
     std::vector<unsigned char> empty(static_cast<size_t>(width), 0);
     long edges = 0;
     for (long y = 0; y < height; ++y) {
@@ -191,7 +191,7 @@ CB_ContourFollowResult TraceEdgePixels(C_ContourBug* bug, unsigned char* inner, 
                 // border bytes) form one run of memory.
                 unsigned char* first = inner - labelledBottom * scan - 1;
                 unsigned char* end = inner - labelledTop * scan + width + 1;
-                BestContourRowKernels().keepEdges(first, end - first);
+                ContourRowKernelsFor(cpu::Best()).keepEdges(first, end - first);
                 label = kFirstLabel;
                 labelledTop = -1;
                 labelledBottom = -1;

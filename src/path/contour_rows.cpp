@@ -26,18 +26,17 @@ void KeepEdgesRef(unsigned char* p, long n) {
     }
 }
 
-const ContourRowKernels& RefContourRowKernels() {
-    static const ContourRowKernels kernels{MarkEdgeRowRef, KeepEdgesRef};
-    return kernels;
-}
-
-const ContourRowKernels& BestContourRowKernels() {
-#if defined(__SSE2__)
-    static const ContourRowKernels kernels{MarkEdgeRowSse2, KeepEdgesSse2};
-    return kernels;
+const ContourRowKernels& ContourRowKernelsFor(cpu::InstructionSet set) {
+    static const ContourRowKernels reference{MarkEdgeRowRef, KeepEdgesRef};
+#if VISTRANE_X86_KERNELS
+    static const ContourRowKernels sse2{MarkEdgeRowSse2, KeepEdgesSse2};
+    if (set != cpu::InstructionSet::kReference) {
+        return sse2;
+    }
 #else
-    return RefContourRowKernels();
+    (void)set;
 #endif
+    return reference;
 }
 
 }  // namespace vistrane::path

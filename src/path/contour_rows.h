@@ -3,6 +3,8 @@
 // The tracer's two byte-row loops, each with a plain reference and an SSE2 form of the same
 // bytes: marking the edge pixels of one mask row, and wiping the labels of traced contours.
 
+#include "platform/cpu_features.h"
+
 namespace vistrane::path {
 
 // For x in [x0, x1): out[x] = 255 when row[x] is non-zero and one of its 4-neighbours is zero
@@ -28,7 +30,7 @@ long MarkEdgeRowSse2(const unsigned char* row, const unsigned char* up, const un
                      unsigned char* out, long x0, long x1, long width);
 void KeepEdgesSse2(unsigned char* p, long n);
 
-const ContourRowKernels& RefContourRowKernels();
-const ContourRowKernels& BestContourRowKernels();
+// The kernels written for an instruction set: SSE2 serves AVX2 too.
+const ContourRowKernels& ContourRowKernelsFor(cpu::InstructionSet set);
 
 }  // namespace vistrane::path

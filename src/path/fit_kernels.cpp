@@ -53,31 +53,23 @@ bool MaxErrorPassRef(const CubicControls& c, const double* x, const double* y, c
     return false;
 }
 
-const FitKernels& RefFitKernels() {
-    static const FitKernels kernels{NewtonPassRef, LeastSquaresPassRef, MaxErrorPassRef};
-    return kernels;
-}
-
-bool HasSse2FitKernels() {
-#if defined(__SSE2__)
-    return true;
-#else
-    return false;
-#endif
-}
-
-bool HasAvx2FitKernels() {
-    static const bool has = __builtin_cpu_supports("avx2") != 0;
-    return has;
-}
-
-const FitKernels& BestFitKernels() {
-    static const FitKernels avx2{NewtonPassAvx2, LeastSquaresPassAvx2, MaxErrorPassAvx2};
+const FitKernels& FitKernelsFor(cpu::InstructionSet set) {
+    static const FitKernels reference{NewtonPassRef, LeastSquaresPassRef, MaxErrorPassRef};
+#if VISTRANE_X86_KERNELS
     static const FitKernels sse2{NewtonPassSse2, LeastSquaresPassSse2, MaxErrorPassSse2};
-    if (HasAvx2FitKernels()) {
-        return avx2;
+    static const FitKernels avx2{NewtonPassAvx2, LeastSquaresPassAvx2, MaxErrorPassAvx2};
+    switch (set) {
+        case cpu::InstructionSet::kSse2:
+            return sse2;
+        case cpu::InstructionSet::kAvx2:
+            return avx2;
+        default:
+            break;
     }
-    return HasSse2FitKernels() ? sse2 : RefFitKernels();
+#else
+    (void)set;
+#endif
+    return reference;
 }
 
 }  // namespace vistrane::path

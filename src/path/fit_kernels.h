@@ -9,6 +9,7 @@
 // same with four anchors. Both hand the tail to the reference.
 
 #include "path/bezier_eval.h"
+#include "platform/cpu_features.h"
 
 namespace vistrane::path {
 
@@ -72,13 +73,7 @@ void LeastSquaresPassAvx2(const LeastSquaresEnds& e, const double* x, const doub
 bool MaxErrorPassAvx2(const CubicControls& c, const double* x, const double* y, const double* u,
                       int n, double stopAt, double& maxDist, int& at);
 
-// The reference set, and the fastest set this build and processor run: AVX2 where the
-// processor has it, else SSE2, else the reference.
-const FitKernels& RefFitKernels();
-const FitKernels& BestFitKernels();
-// Whether the SSE2 set is compiled in (every x86-64 build).
-bool HasSse2FitKernels();
-// Whether the processor runs the AVX2 set.
-bool HasAvx2FitKernels();
+// The passes written for an instruction set; the reference passes for kReference.
+const FitKernels& FitKernelsFor(cpu::InstructionSet set);
 
 }  // namespace vistrane::path

@@ -176,8 +176,8 @@ void C_SubPath::GenerateBezier(int first, int last, C_2DVector tHat1, C_2DVector
     const vistrane::path::LeastSquaresEnds ends{tHat1.m_X, tHat1.m_Y, tHat2.m_X, tHat2.m_Y,
                                                 a0.m_X,    a0.m_Y,    a3.m_X,    a3.m_Y};
     vistrane::path::LeastSquaresSums sums;
-    vistrane::path::BestFitKernels().leastSquares(ends, a.x + first, a.y + first, a.u + first,
-                                                  last - first + 1, sums);
+    vistrane::path::FitKernelsFor(vistrane::cpu::Best())
+        .leastSquares(ends, a.x + first, a.y + first, a.u + first, last - first + 1, sums);
     const double c00 = sums.c00;
     const double c01 = sums.c01;
     const double c11 = sums.c11;
@@ -221,8 +221,8 @@ void C_SubPath::ReParametrize(int first, int last) {
         vistrane::path::SegmentControls(m_Points[first], m_Points[last]);
     const vistrane::path::CubicDerivatives d = vistrane::path::Derivatives(c);
     const FitArrays a = Arrays(m_FitParams, m_Count);
-    vistrane::path::BestFitKernels().newton(c, d, a.x + first, a.y + first, a.u + first,
-                                            last - first + 1);
+    vistrane::path::FitKernelsFor(vistrane::cpu::Best())
+        .newton(c, d, a.x + first, a.y + first, a.u + first, last - first + 1);
 }
 
 void C_SubPath::NewtonRaphsonRootFind(int first, int last, double* u, const S_PathPoint* p) const {
@@ -248,9 +248,9 @@ double C_SubPath::ComputeMaxError(int first, int last, int* split, double stopAt
     // clamped parameter bounds the distance to the segment from above, so an accepted fit
     // keeps every anchor within the error.
     if (last - first > 1) {
-        vistrane::path::BestFitKernels().maxError(c, a.x + first + 1, a.y + first + 1,
-                                                  a.u + first + 1, last - first - 1, stopAt,
-                                                  maxDist, at);
+        vistrane::path::FitKernelsFor(vistrane::cpu::Best())
+            .maxError(c, a.x + first + 1, a.y + first + 1, a.u + first + 1, last - first - 1,
+                      stopAt, maxDist, at);
     }
     if (at >= 0) {
         *split = first + 1 + at;

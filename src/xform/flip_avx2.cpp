@@ -10,7 +10,7 @@
 
 #include <cstdint>
 
-#include "xform/rotate.h"
+#include "xform/xform_kernels.h"
 
 namespace vistrane::xform {
 

@@ -375,14 +375,15 @@ void ExpandRowRef(BYTE* dst, int count, const ExpandRowInputs& in) {
     }
 }
 
-ExpandRowKernel BestExpandRow() {
-#if defined(__x86_64__)
-    static const ExpandRowKernel best =
-        __builtin_cpu_supports("avx2") ? ExpandRowAvx2 : ExpandRowRef;
-    return best;
+ExpandRowKernel ExpandRowFor(cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
+        return ExpandRowAvx2;
+    }
 #else
-    return ExpandRowRef;
+    (void)set;
 #endif
+    return ExpandRowRef;
 }
 
 bool ResampleExpandWith(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel kernel) {
@@ -392,7 +393,7 @@ bool ResampleExpandWith(const ConstPixelView& src, const PixelView& dst, ExpandR
 }
 
 bool ResampleExpand(const ConstPixelView& src, const PixelView& dst) {
-    return ResampleExpandWith(src, dst, BestExpandRow());
+    return ResampleExpandWith(src, dst, ExpandRowFor(cpu::Best()));
 }
 
 bool ResampleReduceX(const ConstPixelView& src, const PixelView& dst) {

@@ -17,6 +17,7 @@
 #include <cstdint>
 
 #include "image/pixel_view.h"
+#include "xform/xform_kernels.h"
 
 namespace vistrane::xform {
 
@@ -31,29 +32,6 @@ inline int ReductionMapEntry(int i, int n, int m) {
     return static_cast<int>((static_cast<long long>(m) * 15 / 16 + static_cast<long long>(i) * m) /
                             n);
 }
-
-// The row kernels of the enlarging worker. The worker first gathers each source row it needs
-// into two byte rows laid out like the destination row (byte i of `own` is the channel of the
-// source pixel in the destination pixel's own column, byte i of `side` the same channel in its
-// neighbour column), so a kernel only weighs four aligned bytes per destination byte:
-//   wD = ay * ax / 100, wR = (100 - ax) * ay / 100, wC = (100 - ay) * ax / 100,
-//   wM = 100 - wC - wR - wD,
-//   out = own * wM / 100 + side * wC / 100 + ownNext * wR / 100 + sideNext * wD / 100,
-// every division truncating on its own. ExpandRowRef is the rule; ExpandRowAvx2 (x86-64 only,
-// callable only on a CPU with AVX2) gives the same bytes and never touches anything past
-// `count`. BestExpandRow picks the fastest the CPU runs, once per process.
-struct ExpandRowInputs {
-    const BYTE* own;          // source row, own column
-    const BYTE* side;         // source row, neighbour column
-    const BYTE* ownNext;      // neighbour row, own column
-    const BYTE* sideNext;     // neighbour row, neighbour column
-    const std::uint16_t* ax;  // |fx| of each destination byte's column, 0..50
-    int ay;                   // |fy| of the row, 0..50
-};
-void ExpandRowRef(BYTE* dst, int count, const ExpandRowInputs& in);
-void ExpandRowAvx2(BYTE* dst, int count, const ExpandRowInputs& in);
-using ExpandRowKernel = void (*)(BYTE* dst, int count, const ExpandRowInputs& in);
-ExpandRowKernel BestExpandRow();
 
 // Enlarging both axes (or keeping them): bilinear in 1/100 of a pixel.
 [[nodiscard]] bool ResampleExpand(const image::ConstPixelView& src, const image::PixelView& dst);

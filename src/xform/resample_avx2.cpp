@@ -9,7 +9,7 @@
 
 #include <immintrin.h>
 
-#include "xform/resample.h"
+#include "xform/xform_kernels.h"
 
 namespace vistrane::xform {
 

@@ -85,13 +85,15 @@ void FlipRowRef(BYTE* row, int count, int bytesPerPixel) {
     }
 }
 
-FlipRowKernel BestFlipRow() {
-#if defined(__x86_64__)
-    static const FlipRowKernel best = __builtin_cpu_supports("avx2") ? FlipRowAvx2 : FlipRowRef;
-    return best;
+FlipRowKernel FlipRowFor(cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
+        return FlipRowAvx2;
+    }
 #else
-    return FlipRowRef;
+    (void)set;
 #endif
+    return FlipRowRef;
 }
 
 void FlipHorizontal(const PixelView& view, FlipRowKernel kernel) {
@@ -101,7 +103,7 @@ void FlipHorizontal(const PixelView& view, FlipRowKernel kernel) {
 }
 
 void FlipHorizontal(const PixelView& view) {
-    FlipHorizontal(view, BestFlipRow());
+    FlipHorizontal(view, FlipRowFor(cpu::Best()));
 }
 
 void FlipVertical(const PixelView& view) {
@@ -445,13 +447,15 @@ void ShearRowRef(BYTE* out, const BYTE* in, int bytes, int bpp, const BYTE* prev
     }
 }
 
-ShearRowKernel BestShearRow() {
-#if defined(__x86_64__)
-    static const ShearRowKernel best = __builtin_cpu_supports("avx2") ? ShearRowAvx2 : ShearRowRef;
-    return best;
+ShearRowKernel ShearRowFor(cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
+        return ShearRowAvx2;
+    }
 #else
-    return ShearRowRef;
+    (void)set;
 #endif
+    return ShearRowRef;
 }
 
 void ShearPairsRef(BYTE* out, const BYTE* in, const BYTE* above, const std::int32_t* weights,
@@ -462,14 +466,15 @@ void ShearPairsRef(BYTE* out, const BYTE* in, const BYTE* above, const std::int3
     }
 }
 
-ShearPairsKernel BestShearPairs() {
-#if defined(__x86_64__)
-    static const ShearPairsKernel best =
-        __builtin_cpu_supports("avx2") ? ShearPairsAvx2 : ShearPairsRef;
-    return best;
+ShearPairsKernel ShearPairsFor(cpu::InstructionSet set) {
+#if VISTRANE_X86_KERNELS
+    if (set == cpu::InstructionSet::kAvx2) {
+        return ShearPairsAvx2;
+    }
 #else
-    return ShearPairsRef;
+    (void)set;
 #endif
+    return ShearPairsRef;
 }
 
 bool ShearRotateWith(const ConstPixelView& src, const PixelView& dst, double radians,
@@ -491,7 +496,7 @@ bool ShearRotateWith(const ConstPixelView& src, const PixelView& dst, double rad
 bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
                  const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
     return ShearRotateWith(src, dst, radians, sizes, background, mode,
-                           ShearKernels{BestShearRow(), BestShearPairs()});
+                           ShearKernels{ShearRowFor(cpu::Best()), ShearPairsFor(cpu::Best())});
 }
 
 }  // namespace vistrane::xform

@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "image/pixel_view.h"
+#include "xform/xform_kernels.h"
 
 namespace vistrane::xform {
 
@@ -21,14 +22,6 @@ void QuarterTurn(const image::ConstPixelView& src, const image::PixelView& dst, 
 void FlipHorizontal(const image::PixelView& view);
 void FlipVertical(const image::PixelView& view);
 
-// The row kernels of FlipHorizontal: each reverses the order of `count` pixels of 1 or 3 bytes
-// in place, touching nothing outside them. FlipRowRef is the rule; FlipRowAvx2 (x86-64 only,
-// callable only on a CPU with AVX2) gives the same bytes. BestFlipRow picks the fastest the CPU
-// runs, once per process.
-void FlipRowRef(BYTE* row, int count, int bytesPerPixel);
-void FlipRowAvx2(BYTE* row, int count, int bytesPerPixel);
-using FlipRowKernel = void (*)(BYTE* row, int count, int bytesPerPixel);
-FlipRowKernel BestFlipRow();
 // FlipHorizontal with a named kernel, for tests and benchmarks.
 void FlipHorizontal(const image::PixelView& view, FlipRowKernel kernel);
 
@@ -48,30 +41,6 @@ struct ShearSizes {
 
 // How the shears move pixels: blending neighbours (intensities) or copying indices (palettes).
 enum class ShearMode { Blend, Copy };
-
-// The row kernels of the blending row shears: byte j of `out` becomes
-// (in[j] * (4096 - frac) + before * frac + 2048) >> 12, where `before` is in[j - bpp], or
-// prev[j] for the first pixel. `bytes` is a whole number of pixels. ShearRowRef is the rule;
-// ShearRowAvx2 (x86-64 only, callable only on a CPU with AVX2) gives the same bytes and never
-// touches anything outside the row. BestShearRow picks the fastest the CPU runs, once per
-// process.
-void ShearRowRef(BYTE* out, const BYTE* in, int bytes, int bpp, const BYTE* prev, int frac);
-void ShearRowAvx2(BYTE* out, const BYTE* in, int bytes, int bpp, const BYTE* prev, int frac);
-using ShearRowKernel = void (*)(BYTE* out, const BYTE* in, int bytes, int bpp, const BYTE* prev,
-                                int frac);
-ShearRowKernel BestShearRow();
-
-// The row kernel of the column shear, which runs across a strip of columns one source row at
-// a time: byte j of `out` becomes (in[j] * (4096 - f) + above[j] * f + 2048) >> 12, with the
-// byte's own fraction packed as weights[j] = f << 16 | (4096 - f). ShearPairsRef is the rule;
-// ShearPairsAvx2 gives the same bytes, as above.
-void ShearPairsRef(BYTE* out, const BYTE* in, const BYTE* above, const std::int32_t* weights,
-                   int bytes);
-void ShearPairsAvx2(BYTE* out, const BYTE* in, const BYTE* above, const std::int32_t* weights,
-                    int bytes);
-using ShearPairsKernel = void (*)(BYTE* out, const BYTE* in, const BYTE* above,
-                                  const std::int32_t* weights, int bytes);
-ShearPairsKernel BestShearPairs();
 
 struct ShearKernels {
     ShearRowKernel row;

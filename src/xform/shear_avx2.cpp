@@ -11,7 +11,7 @@
 
 #include <cstdint>
 
-#include "xform/rotate.h"
+#include "xform/xform_kernels.h"
 
 namespace vistrane::xform {
 

@@ -207,10 +207,7 @@ class FastRows : public ::testing::Test {
 
 constexpr int kGuard = 16;
 
-TEST_F(FastRows, Avx2ByteRowsMatchTheRulesOnAwkwardWidths) {
-    if (BestKernelSet() != KernelSet::kAvx2) {
-        GTEST_SKIP() << "no AVX2 on this CPU";
-    }
+TEST_F(FastRows, ByteRowsOfEverySetMatchTheRulesOnAwkwardWidths) {
     C_Helper helper;
     BlendContext context{0, &helper};
     test::RandomBytes random(20260101);
@@ -218,49 +215,51 @@ TEST_F(FastRows, Avx2ByteRowsMatchTheRulesOnAwkwardWidths) {
                          BLENDMODE_HARDLIGHT, BLENDMODE_DARKEN, BLENDMODE_LIGHTEN,
                          BLENDMODE_DIFFERENCE};
     const std::vector<int> widths = vistrane::test::AwkwardWidths();
-    for (int mode : modes) {
-        ASSERT_NE(Avx2ByteRow(mode), nullptr) << mode;
-        for (int bpp : {1, 3}) {
-            const RowBlender reference = ReferenceRowBlender(mode, bpp);
-            RowBlender fast = reference;
-            fast.fast = ByteRowFor(mode, KernelSet::kAvx2);
-            for (int width : widths) {
-                const int bytes = width * bpp;
-                const std::vector<BYTE> src = random.Fill(bytes);
-                const std::vector<BYTE> dst = random.Fill(bytes);
-                std::vector<BYTE> want(bytes + kGuard, 0xA5);
-                std::vector<BYTE> got(bytes + kGuard, 0xA5);
-                reference.Run(src.data(), dst.data(), want.data(), width, context);
-                fast.Run(src.data(), dst.data(), got.data(), width, context);
-                ASSERT_EQ(want, got) << "mode " << mode << " bpp " << bpp << " width " << width;
-                // In place, as the bulk operations run it.
-                std::vector<BYTE> inPlace = dst;
-                inPlace.resize(bytes + kGuard, 0x5A);
-                fast.Run(src.data(), inPlace.data(), inPlace.data(), width, context);
-                ASSERT_TRUE(std::equal(want.begin(), want.begin() + bytes, inPlace.begin()));
-                ASSERT_TRUE(std::all_of(inPlace.begin() + bytes, inPlace.end(),
-                                        [](BYTE b) { return b == 0x5A; }));
+    for (const cpu::InstructionSet set : cpu::Available()) {
+        for (int mode : modes) {
+            for (int bpp : {1, 3}) {
+                const RowBlender reference = ReferenceRowBlender(mode, bpp);
+                RowBlender fast = reference;
+                fast.fast = ByteRowFor(mode, set);
+                for (int width : widths) {
+                    SCOPED_TRACE(::testing::Message() << cpu::Name(set) << " mode " << mode
+                                                      << " bpp " << bpp << " width " << width);
+                    const int bytes = width * bpp;
+                    const std::vector<BYTE> src = random.Fill(bytes);
+                    const std::vector<BYTE> dst = random.Fill(bytes);
+                    std::vector<BYTE> want(bytes + kGuard, 0xA5);
+                    std::vector<BYTE> got(bytes + kGuard, 0xA5);
+                    reference.Run(src.data(), dst.data(), want.data(), width, context);
+                    fast.Run(src.data(), dst.data(), got.data(), width, context);
+                    ASSERT_EQ(want, got);
+                    // In place, as the bulk operations run it.
+                    std::vector<BYTE> inPlace = dst;
+                    inPlace.resize(bytes + kGuard, 0x5A);
+                    fast.Run(src.data(), inPlace.data(), inPlace.data(), width, context);
+                    ASSERT_TRUE(std::equal(want.begin(), want.begin() + bytes, inPlace.begin()));
+                    ASSERT_TRUE(std::all_of(inPlace.begin() + bytes, inPlace.end(),
+                                            [](BYTE b) { return b == 0x5A; }));
+                }
             }
         }
     }
 }
 
-TEST_F(FastRows, Avx2MergeMatchesThePlainMergeOnAwkwardWidths) {
-    if (BestKernelSet() != KernelSet::kAvx2) {
-        GTEST_SKIP() << "no AVX2 on this CPU";
-    }
+TEST_F(FastRows, MergeOfEverySetMatchesThePlainMergeOnAwkwardWidths) {
     test::RandomBytes random(424242);
-    for (int bpp : {1, 3}) {
-        const MergeRowFn plain = MergeRowFor(bpp, KernelSet::kReference);
-        const MergeRowFn fast = MergeRowFor(bpp, KernelSet::kAvx2);
-        for (int width = 1; width <= 200; width += (width < 67 ? 1 : 37)) {
-            const std::vector<BYTE> result = random.Fill(width * bpp);
-            const std::vector<BYTE> opacity = random.Fill(width);
-            std::vector<BYTE> want = random.Fill(width * bpp + kGuard);
-            std::vector<BYTE> got = want;
-            plain(want.data(), result.data(), opacity.data(), width);
-            fast(got.data(), result.data(), opacity.data(), width);
-            ASSERT_EQ(want, got) << "bpp " << bpp << " width " << width;
+    for (const cpu::InstructionSet set : cpu::Available()) {
+        for (int bpp : {1, 3}) {
+            const MergeRowFn plain = MergeRowFor(bpp, cpu::InstructionSet::kReference);
+            const MergeRowFn fast = MergeRowFor(bpp, set);
+            for (int width = 1; width <= 200; width += (width < 67 ? 1 : 37)) {
+                const std::vector<BYTE> result = random.Fill(width * bpp);
+                const std::vector<BYTE> opacity = random.Fill(width);
+                std::vector<BYTE> want = random.Fill(width * bpp + kGuard);
+                std::vector<BYTE> got = want;
+                plain(want.data(), result.data(), opacity.data(), width);
+                fast(got.data(), result.data(), opacity.data(), width);
+                ASSERT_EQ(want, got) << cpu::Name(set) << " bpp " << bpp << " width " << width;
+            }
         }
     }
 }

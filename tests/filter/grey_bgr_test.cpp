@@ -1,6 +1,5 @@
 #include "filter/grey_bgr.h"
 
-#include "blend/blend_dispatch.h"
 #include "support/random_bytes.h"
 
 #include <gtest/gtest.h>
@@ -11,10 +10,7 @@ namespace vistrane::filter {
 namespace {
 
 // Every width 0..100 and around 4096, guard bytes after the row that must stay untouched.
-TEST(GreyBgr, Avx2MatchesTheReferenceOnAwkwardWidths) {
-    if (blend::BestKernelSet() != blend::KernelSet::kAvx2) {
-        GTEST_SKIP() << "no AVX2 on this CPU";
-    }
+TEST(GreyBgr, EverySetMatchesTheReferenceOnAwkwardWidths) {
     test::RandomBytes random(23);
     std::vector<int> widths;
     for (int n = 0; n <= 100; ++n) {
@@ -23,12 +19,14 @@ TEST(GreyBgr, Avx2MatchesTheReferenceOnAwkwardWidths) {
     for (int n = 4090; n <= 4100; ++n) {
         widths.push_back(n);
     }
-    for (const int width : widths) {
-        std::vector<BYTE> expected = random.Fill(3 * static_cast<std::size_t>(width) + 16);
-        std::vector<BYTE> actual = expected;
-        GreyBgrRef(expected.data(), width);
-        GreyBgrAvx2(actual.data(), width);
-        ASSERT_EQ(actual, expected) << "width " << width;
+    for (const cpu::InstructionSet set : cpu::Available()) {
+        for (const int width : widths) {
+            std::vector<BYTE> expected = random.Fill(3 * static_cast<std::size_t>(width) + 16);
+            std::vector<BYTE> actual = expected;
+            GreyBgrRef(expected.data(), width);
+            GreyBgrFor(set)(actual.data(), width);
+            ASSERT_EQ(actual, expected) << cpu::Name(set) << " width " << width;
+        }
     }
 }
 
@@ -45,7 +43,7 @@ TEST(GreyBgr, EverySumDividesExactly) {
         row.insert(row.end(), {static_cast<BYTE>(a), static_cast<BYTE>(c), static_cast<BYTE>(a)});
         sums.push_back(s);
     }
-    BestGreyBgr()(row.data(), static_cast<int>(sums.size()));
+    GreyBgrFor(cpu::Best())(row.data(), static_cast<int>(sums.size()));
     for (std::size_t i = 0; i < sums.size(); ++i) {
         ASSERT_EQ(row[3 * i], sums[i] / 3) << sums[i];
         ASSERT_EQ(row[3 * i + 2], sums[i] / 3) << sums[i];

@@ -1,6 +1,6 @@
 #include "filter/hsv_shift.h"
 
-#include "blend/blend_dispatch.h"
+#include "support/instruction_sets.h"
 #include "support/random_bytes.h"
 
 #include <vistrane/companion/helper.h>
@@ -65,10 +65,7 @@ int FirstDifference(const std::vector<BYTE>& expected, const std::vector<BYTE>& 
 // Every one of the 2^24 colours through the AVX2 row and the reference, for shifts at the ends
 // of their ranges and in between: the float divisions of the vector form are exact only by an
 // argument about the numerators' size, and this checks it for every numerator that occurs.
-TEST(HsvShifter, Avx2MatchesTheReferenceOnEveryColour) {
-    if (blend::BestKernelSet() != blend::KernelSet::kAvx2) {
-        GTEST_SKIP() << "no AVX2 on this CPU";
-    }
+TEST(HsvShifter, FastSetsMatchTheReferenceOnEveryColour) {
     constexpr int kColours = 1 << 24;
     std::vector<BYTE> all(static_cast<std::size_t>(kColours) * 3);
     for (int c = 0; c < kColours; ++c) {
@@ -76,27 +73,27 @@ TEST(HsvShifter, Avx2MatchesTheReferenceOnEveryColour) {
         all[3 * c + 2] = static_cast<BYTE>(c >> 16);
     }
     const int shifts[][3] = {{30, 0, 0}, {-359, -255, -255}, {359, 255, 255}, {-200, 77, -33}};
-    for (const auto& shift : shifts) {
-        const HsvShifter shifter(shift[0], shift[1], shift[2]);
-        std::vector<BYTE> expected = all;
-        shifter.ApplyRef(expected.data(), kColours);
-        std::vector<BYTE> actual = all;
-        ShiftHsvAvx2(actual.data(), kColours, shifter);
-        const int at = FirstDifference(expected, actual);
-        ASSERT_EQ(at, -1) << "colour 0x" << std::hex << at << std::dec << " shift " << shift[0]
-                          << " " << shift[1] << " " << shift[2] << ": expected ("
-                          << int(expected[3 * at]) << ", " << int(expected[3 * at + 1]) << ", "
-                          << int(expected[3 * at + 2]) << "), got (" << int(actual[3 * at]) << ", "
-                          << int(actual[3 * at + 1]) << ", " << int(actual[3 * at + 2]) << ")";
+    for (const cpu::InstructionSet set : test::FastSets()) {
+        for (const auto& shift : shifts) {
+            const HsvShifter shifter(shift[0], shift[1], shift[2], set);
+            std::vector<BYTE> expected = all;
+            shifter.ApplyRef(expected.data(), kColours);
+            std::vector<BYTE> actual = all;
+            shifter.Apply(actual.data(), kColours);
+            const int at = FirstDifference(expected, actual);
+            ASSERT_EQ(at, -1) << cpu::Name(set) << " colour 0x" << std::hex << at << std::dec
+                              << " shift " << shift[0] << " " << shift[1] << " " << shift[2]
+                              << ": expected (" << int(expected[3 * at]) << ", "
+                              << int(expected[3 * at + 1]) << ", " << int(expected[3 * at + 2])
+                              << "), got (" << int(actual[3 * at]) << ", "
+                              << int(actual[3 * at + 1]) << ", " << int(actual[3 * at + 2]) << ")";
+        }
     }
 }
 
 // Random shifts on random spans of every length 0..67 and around 4096, starting at every byte
 // offset 0..2, with guard bytes on both sides that must stay untouched.
-TEST(HsvShifter, Avx2MatchesTheReferenceOnAwkwardSpans) {
-    if (blend::BestKernelSet() != blend::KernelSet::kAvx2) {
-        GTEST_SKIP() << "no AVX2 on this CPU";
-    }
+TEST(HsvShifter, FastSetsMatchTheReferenceOnAwkwardSpans) {
     test::RandomBytes random(43);
     std::vector<int> lengths;
     for (int n = 0; n <= 67; ++n) {
@@ -105,17 +102,20 @@ TEST(HsvShifter, Avx2MatchesTheReferenceOnAwkwardSpans) {
     for (int n = 4090; n <= 4100; ++n) {
         lengths.push_back(n);
     }
-    for (const int length : lengths) {
-        for (int offset = 0; offset < 3; ++offset) {
-            const HsvShifter shifter(random.Below(719) - 359, random.Below(511) - 255,
-                                     random.Below(511) - 255);
-            std::vector<BYTE> expected = random.Fill(static_cast<std::size_t>(length) * 3 + 16);
-            std::vector<BYTE> actual = expected;
-            shifter.ApplyRef(expected.data() + offset, length);
-            ShiftHsvAvx2(actual.data() + offset, length, shifter);
-            ASSERT_EQ(actual, expected)
-                << "length " << length << " offset " << offset << " shift " << shifter.HueShift()
-                << " " << shifter.SaturationShift() << " " << shifter.ValueShift();
+    for (const cpu::InstructionSet set : test::FastSets()) {
+        for (const int length : lengths) {
+            for (int offset = 0; offset < 3; ++offset) {
+                const HsvShifter shifter(random.Below(719) - 359, random.Below(511) - 255,
+                                         random.Below(511) - 255, set);
+                std::vector<BYTE> expected = random.Fill(static_cast<std::size_t>(length) * 3 + 16);
+                std::vector<BYTE> actual = expected;
+                shifter.ApplyRef(expected.data() + offset, length);
+                shifter.Apply(actual.data() + offset, length);
+                ASSERT_EQ(actual, expected)
+                    << cpu::Name(set) << " length " << length << " offset " << offset << " shift "
+                    << shifter.HueShift() << " " << shifter.SaturationShift() << " "
+                    << shifter.ValueShift();
+            }
         }
     }
 }

@@ -1,6 +1,5 @@
 #include "filter/lut_bytes.h"
 
-#include "blend/blend_dispatch.h"
 #include "support/random_bytes.h"
 
 #include <gtest/gtest.h>
@@ -13,10 +12,7 @@ namespace {
 
 // Every length 0..100 and around 4096 at every offset 0..3, random tables, guard bytes after the
 // span that must stay untouched.
-TEST(LutBytes, Avx2MatchesTheReferenceOnAwkwardSpans) {
-    if (blend::BestKernelSet() != blend::KernelSet::kAvx2) {
-        GTEST_SKIP() << "no AVX2 on this CPU";
-    }
+TEST(LutBytes, EverySetMatchesTheReferenceOnAwkwardSpans) {
     test::RandomBytes random(17);
     std::vector<int> lengths;
     for (int n = 0; n <= 100; ++n) {
@@ -25,16 +21,18 @@ TEST(LutBytes, Avx2MatchesTheReferenceOnAwkwardSpans) {
     for (int n = 4090; n <= 4100; ++n) {
         lengths.push_back(n);
     }
-    for (const int length : lengths) {
-        const std::vector<BYTE> table = random.Fill(256);
-        for (int offset = 0; offset < 4; ++offset) {
-            std::vector<BYTE> expected = random.Fill(static_cast<std::size_t>(length) + 8);
-            std::vector<BYTE> actual = expected;
-            LutBytesRef(expected.data() + offset, length - offset < 0 ? 0 : length - offset,
-                        table.data());
-            LutBytesAvx2(actual.data() + offset, length - offset < 0 ? 0 : length - offset,
-                         table.data());
-            ASSERT_EQ(actual, expected) << "length " << length << " offset " << offset;
+    for (const cpu::InstructionSet set : cpu::Available()) {
+        for (const int length : lengths) {
+            const std::vector<BYTE> table = random.Fill(256);
+            for (int offset = 0; offset < 4; ++offset) {
+                std::vector<BYTE> expected = random.Fill(static_cast<std::size_t>(length) + 8);
+                std::vector<BYTE> actual = expected;
+                const int span = length - offset < 0 ? 0 : length - offset;
+                LutBytesRef(expected.data() + offset, span, table.data());
+                LutBytesFor(set)(actual.data() + offset, span, table.data());
+                ASSERT_EQ(actual, expected)
+                    << cpu::Name(set) << " length " << length << " offset " << offset;
+            }
         }
     }
 }
@@ -80,7 +78,7 @@ TEST(LutBytes, EveryByteValueFindsItsEntry) {
         table[i] = static_cast<BYTE>(i * 7 + 3);
         bytes[i] = static_cast<BYTE>(i);
     }
-    BestLutBytes()(bytes.data(), 256, table.data());
+    LutBytesFor(cpu::Best())(bytes.data(), 256, table.data());
     for (int i = 0; i < 256; ++i) {
         ASSERT_EQ(bytes[i], table[i]) << i;
     }

@@ -106,14 +106,14 @@ void ReferenceFilter(TestImage& image, TestImage* mask, int rx, int ry, int rw, 
 
 void RunFilterRect(TestImage& image, TestImage* mask, int rx, int ry, int rw, int rh,
                    const int* kernel, int divisor, int offset, int type, BYTE opacity, int mode,
-                   BYTE* filterColour, blend::KernelSet set) {
+                   BYTE* filterColour, cpu::InstructionSet set) {
     C_Helper helper;
     blend::BlendContext context{0, &helper};
     std::vector<BYTE> bufferBlock(static_cast<std::size_t>(rw + 6) * (rh + 6) * image.bpp);
     const Plane buffer{bufferBlock.data(), static_cast<std::ptrdiff_t>(rw + 6) * image.bpp};
     RefreshBorderedCopy(buffer, image.View(), 3, 3, rx, ry, rw, rh, image.bpp);
     FilterSettings settings{kernel, divisor, offset, type, opacity, image.bpp};
-    blend::RowBlender blender = set == blend::KernelSet::kReference
+    blend::RowBlender blender = set == cpu::InstructionSet::kReference
                                     ? blend::ReferenceRowBlender(mode, image.bpp)
                                     : blend::FastRowBlender(mode, image.bpp);
     Plane target = image.View();
@@ -162,7 +162,7 @@ TEST_F(NeighbourhoodFilter, MatchesAStraightforwardConvolutionWithEdgeReplicatio
         BYTE wantColour[3] = {40, 90, 200};
         ReferenceFilter(want, maskOrNull, rx, ry, rw, rh, kernel, divisor, offset, type, opacity,
                         mode, wantColour);
-        for (auto set : {blend::KernelSet::kReference, blend::BestKernelSet()}) {
+        for (const cpu::InstructionSet set : cpu::Available()) {
             TestImage got = image;
             BYTE colour[3] = {40, 90, 200};
             RunFilterRect(got, maskOrNull, rx, ry, rw, rh, kernel, divisor, offset, type, opacity,
@@ -185,10 +185,10 @@ TEST_F(NeighbourhoodFilter, IdentityKernelLeavesTheImageAndInversionClampsAfterT
     identity[24] = 1;
     BYTE colour[3] = {};
     RunFilterRect(image, nullptr, 0, 0, 9, 4, identity, 1, 0, kFilterPerChannel, 255,
-                  BLENDMODE_NORMAL, colour, blend::BestKernelSet());
+                  BLENDMODE_NORMAL, colour, cpu::Best());
     EXPECT_EQ(image.block, before.block);
     RunFilterRect(image, nullptr, 2, 1, 5, 2, identity, -1, 255, kFilterPerChannel, 255,
-                  BLENDMODE_NORMAL, colour, blend::BestKernelSet());
+                  BLENDMODE_NORMAL, colour, cpu::Best());
     TestImage& original = const_cast<TestImage&>(before);
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 9; ++x) {
@@ -208,7 +208,7 @@ TEST_F(NeighbourhoodFilter, BrightnessCarriesHueAndSaturationOfTheStartingColour
     box[24] = 1;
     BYTE colour[3] = {0, 0, 255};  // pure red: hue 0, saturation 255
     RunFilterRect(image, nullptr, 0, 0, 6, 5, box, 1, 0, kFilterBrightness, 255, BLENDMODE_NORMAL,
-                  colour, blend::BestKernelSet());
+                  colour, cpu::Best());
     for (int y = 0; y < 5; ++y) {
         for (int x = 0; x < 6; ++x) {
             const BYTE* p = image.At(x, y);
@@ -229,7 +229,7 @@ TEST_F(NeighbourhoodFilter, MaskByteOneWithOpacity254LeavesThePixel) {
     kernel[25] = 3;
     BYTE colour[3] = {};
     RunFilterRect(image, &mask, 0, 0, 4, 1, kernel, 1, 7, kFilterPerChannel, 254, BLENDMODE_NORMAL,
-                  colour, blend::BestKernelSet());
+                  colour, cpu::Best());
     EXPECT_EQ(image.block, before.block);
 }
 

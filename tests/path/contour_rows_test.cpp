@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/instruction_sets.h"
+
 #include <random>
 #include <vector>
 
@@ -35,58 +37,55 @@ std::vector<long> Widths() {
 
 }  // namespace
 
-TEST(ContourRows, Sse2EdgeRowMatchesReferenceOnAwkwardWidthsAndRanges) {
-    for (const long width : Widths()) {
-        const unsigned seed = static_cast<unsigned>(width);
-        std::mt19937 rng(seed);
-        const std::vector<unsigned char> row = BiasedBytes(rng, width);
-        const std::vector<unsigned char> up = BiasedBytes(rng, width);
-        const std::vector<unsigned char> down = BiasedBytes(rng, width);
-        std::uniform_int_distribution<long> cut(0, width);
-        for (int round = 0; round < 8; ++round) {
-            long x0 = round == 0 ? 0 : cut(rng);
-            long x1 = round == 0 ? width : cut(rng);
-            if (x0 > x1) {
-                std::swap(x0, x1);
+TEST(ContourRows, FastEdgeRowsMatchReferenceOnAwkwardWidthsAndRanges) {
+    for (const vistrane::cpu::InstructionSet set : vistrane::test::FastSets()) {
+        const auto& kernels = vistrane::path::ContourRowKernelsFor(set);
+        for (const long width : Widths()) {
+            const unsigned seed = static_cast<unsigned>(width);
+            std::mt19937 rng(seed);
+            const std::vector<unsigned char> row = BiasedBytes(rng, width);
+            const std::vector<unsigned char> up = BiasedBytes(rng, width);
+            const std::vector<unsigned char> down = BiasedBytes(rng, width);
+            std::uniform_int_distribution<long> cut(0, width);
+            for (int round = 0; round < 8; ++round) {
+                long x0 = round == 0 ? 0 : cut(rng);
+                long x1 = round == 0 ? width : cut(rng);
+                if (x0 > x1) {
+                    std::swap(x0, x1);
+                }
+                std::vector<unsigned char> ref(static_cast<size_t>(width + kGuards), kGuard);
+                std::vector<unsigned char> fast = ref;
+                const long refEdges = vistrane::path::MarkEdgeRowRef(
+                    row.data(), up.data(), down.data(), ref.data(), x0, x1, width);
+                const long fastEdges = kernels.markEdgeRow(row.data(), up.data(), down.data(),
+                                                           fast.data(), x0, x1, width);
+                ASSERT_EQ(refEdges, fastEdges) << "seed " << seed << " range " << x0 << ".." << x1;
+                for (size_t i = 0; i < ref.size(); ++i) {
+                    ASSERT_EQ(ref[i], fast[i])
+                        << "seed " << seed << " range " << x0 << ".." << x1 << " x " << i;
+                }
             }
-            std::vector<unsigned char> ref(static_cast<size_t>(width + kGuards), kGuard);
+        }
+    }
+}
+
+TEST(ContourRows, FastKeepEdgesMatchReferenceAndStopsAtTheEnd) {
+    for (const vistrane::cpu::InstructionSet set : vistrane::test::FastSets()) {
+        const auto& kernels = vistrane::path::ContourRowKernelsFor(set);
+        for (const long n : Widths()) {
+            const unsigned seed = static_cast<unsigned>(n) + 1000;
+            std::mt19937 rng(seed);
+            std::vector<unsigned char> ref = BiasedBytes(rng, n);
+            ref.insert(ref.end(), kGuards, kGuard);
             std::vector<unsigned char> fast = ref;
-            const long refEdges = vistrane::path::MarkEdgeRowRef(row.data(), up.data(), down.data(),
-                                                                 ref.data(), x0, x1, width);
-            const long fastEdges = vistrane::path::MarkEdgeRowSse2(
-                row.data(), up.data(), down.data(), fast.data(), x0, x1, width);
-            ASSERT_EQ(refEdges, fastEdges) << "seed " << seed << " range " << x0 << ".." << x1;
+            vistrane::path::KeepEdgesRef(ref.data(), n);
+            kernels.keepEdges(fast.data(), n);
             for (size_t i = 0; i < ref.size(); ++i) {
-                ASSERT_EQ(ref[i], fast[i])
-                    << "seed " << seed << " range " << x0 << ".." << x1 << " x " << i;
+                ASSERT_EQ(ref[i], fast[i]) << "seed " << seed << " n " << n << " i " << i;
+            }
+            for (long g = 0; g < kGuards; ++g) {
+                ASSERT_EQ(fast[static_cast<size_t>(n + g)], kGuard) << "seed " << seed;
             }
         }
     }
-}
-
-TEST(ContourRows, Sse2KeepEdgesMatchesReferenceAndStopsAtTheEnd) {
-    for (const long n : Widths()) {
-        const unsigned seed = static_cast<unsigned>(n) + 1000;
-        std::mt19937 rng(seed);
-        std::vector<unsigned char> ref = BiasedBytes(rng, n);
-        ref.insert(ref.end(), kGuards, kGuard);
-        std::vector<unsigned char> fast = ref;
-        vistrane::path::KeepEdgesRef(ref.data(), n);
-        vistrane::path::KeepEdgesSse2(fast.data(), n);
-        for (size_t i = 0; i < ref.size(); ++i) {
-            ASSERT_EQ(ref[i], fast[i]) << "seed " << seed << " n " << n << " i " << i;
-        }
-        for (long g = 0; g < kGuards; ++g) {
-            ASSERT_EQ(fast[static_cast<size_t>(n + g)], kGuard) << "seed " << seed;
-        }
-    }
-}
-
-TEST(ContourRows, BestSetIsTheSse2SetWhereCompiled) {
-#if defined(__SSE2__)
-    EXPECT_EQ(vistrane::path::BestContourRowKernels().markEdgeRow, vistrane::path::MarkEdgeRowSse2);
-    EXPECT_EQ(vistrane::path::BestContourRowKernels().keepEdges, vistrane::path::KeepEdgesSse2);
-#else
-    GTEST_SKIP() << "no SSE2 in this build";
-#endif
 }

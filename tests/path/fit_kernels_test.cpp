@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/instruction_sets.h"
+
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -69,30 +71,13 @@ struct NamedKernels {
 // Every fast set that this build and processor can run.
 std::vector<NamedKernels> FastKernelSets() {
     std::vector<NamedKernels> sets;
-    if (vistrane::path::HasSse2FitKernels()) {
-        sets.push_back({"sse2",
-                        {vistrane::path::NewtonPassSse2, vistrane::path::LeastSquaresPassSse2,
-                         vistrane::path::MaxErrorPassSse2}});
-    }
-    if (vistrane::path::HasAvx2FitKernels()) {
-        sets.push_back({"avx2",
-                        {vistrane::path::NewtonPassAvx2, vistrane::path::LeastSquaresPassAvx2,
-                         vistrane::path::MaxErrorPassAvx2}});
+    for (const vistrane::cpu::InstructionSet set : vistrane::test::FastSets()) {
+        sets.push_back({vistrane::cpu::Name(set), vistrane::path::FitKernelsFor(set)});
     }
     return sets;
 }
 
 }  // namespace
-
-TEST(FitKernels, BestSetIsTheWidestTheProcessorRuns) {
-    const std::vector<NamedKernels> sets = FastKernelSets();
-    if (sets.empty()) {
-        GTEST_SKIP() << "no vector set in this build";
-    }
-    EXPECT_EQ(vistrane::path::BestFitKernels().newton, sets.back().kernels.newton);
-    EXPECT_EQ(vistrane::path::BestFitKernels().leastSquares, sets.back().kernels.leastSquares);
-    EXPECT_EQ(vistrane::path::BestFitKernels().maxError, sets.back().kernels.maxError);
-}
 
 TEST(FitKernels, FastNewtonMatchesReferenceBits) {
     for (const NamedKernels& set : FastKernelSets()) {

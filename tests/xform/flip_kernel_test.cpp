@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/instruction_sets.h"
+
 #include <cstdint>
 #include <vector>
 
@@ -12,14 +14,6 @@
 
 namespace vistrane {
 namespace {
-
-bool HasAvx2() {
-#if defined(__x86_64__)
-    return __builtin_cpu_supports("avx2");
-#else
-    return false;
-#endif
-}
 
 void CheckKernel(xform::FlipRowKernel kernel, int bytesPerPixel, int width, int offset,
                  std::uint32_t seed) {
@@ -41,25 +35,21 @@ void CheckKernel(xform::FlipRowKernel kernel, int bytesPerPixel, int width, int 
     }
 }
 
-TEST(FlipRowKernel, Avx2MatchesReferenceOnAwkwardWidths) {
-    if (!HasAvx2()) {
-        GTEST_SKIP() << "no AVX2 on this CPU";
-    }
-    const std::vector<int> widths = vistrane::test::AwkwardWidths();
-    for (int bpp : {1, 3}) {
-        for (int w : widths) {
-            for (int offset : {0, 1, 7}) {
-                CheckKernel(xform::FlipRowAvx2, bpp, w, offset, 1000u * bpp + w + offset);
-                if (HasFatalFailure()) {
-                    return;
+TEST(FlipRowKernel, FastSetsMatchReferenceOnAwkwardWidths) {
+    for (const cpu::InstructionSet set : test::FastSets()) {
+        SCOPED_TRACE(cpu::Name(set));
+        const std::vector<int> widths = vistrane::test::AwkwardWidths();
+        for (int bpp : {1, 3}) {
+            for (int w : widths) {
+                for (int offset : {0, 1, 7}) {
+                    CheckKernel(xform::FlipRowFor(set), bpp, w, offset, 1000u * bpp + w + offset);
+                    if (HasFatalFailure()) {
+                        return;
+                    }
                 }
             }
         }
     }
-}
-
-TEST(FlipRowKernel, BestKernelIsTheOneTheCpuRuns) {
-    EXPECT_EQ(xform::BestFlipRow(), HasAvx2() ? xform::FlipRowAvx2 : xform::FlipRowRef);
 }
 
 }  // namespace
