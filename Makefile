@@ -9,9 +9,10 @@ PREFIX ?= /usr/local
 RELEASE_DIR ?= build/release
 TEST_DIR ?= build/test
 ASAN_DIR ?= build/asan
+AARCH64_DIR ?= build/aarch64
 DEMO_DIR ?= demo-out
 
-.PHONY: all deps release demo test test-plain test-asan bench install clean
+.PHONY: all deps release demo test test-plain test-asan test-aarch64 bench install clean
 
 all: release
 
@@ -39,6 +40,15 @@ test-asan: deps
 	    -DVISTRANE_BUILD_BENCH=OFF
 	cmake --build $(ASAN_DIR) -j$(JOBS)
 	ctest --test-dir $(ASAN_DIR) --output-on-failure -j$(JOBS)
+
+# The whole suite built for 64-bit Arm and run under qemu-user: the engine has no code that
+# needs the build machine's processor.
+test-aarch64: deps
+	./scripts/install-aarch64-deps.sh
+	cmake -S . -B $(AARCH64_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    -DCMAKE_TOOLCHAIN_FILE=cmake/aarch64-linux-gnu.cmake -DVISTRANE_BUILD_BENCH=OFF
+	cmake --build $(AARCH64_DIR) -j$(JOBS)
+	ctest --test-dir $(AARCH64_DIR) --output-on-failure -j$(JOBS)
 
 bench: release
 	cmake --build $(RELEASE_DIR) -j$(JOBS) --target vistrane_bench

@@ -20,7 +20,8 @@ packages=(
 
 missing=()
 for package in "${packages[@]}"; do
-    if ! dpkg -s "$package" >/dev/null 2>&1; then
+    # Asked by name alone, dpkg reports a package installed for two architectures as ambiguous.
+    if ! dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed; then
         missing+=("$package")
     fi
 done

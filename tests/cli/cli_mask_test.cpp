@@ -191,7 +191,7 @@ TEST_F(CliTest, SelectRefusesBadRequests) {
         {"select --grow 4 " + io, 2, "--grow needs the selection to grow (--mask)"},
         {"select --at 0,0 --mask " + Quoted("small.png") + " " + io, 2, "--mask is only read"},
         {"select --grow 4 --mask " + Quoted("small.png") + " " + io, 1,
-         "the mask is 2 x 2, the image 5 x 3"},
+         "the mask must have the image's size, 5 x 3"},
         {"select --grow 4 --mask " + Quoted("field.bmp") + " " + io, 1, "is not a selection mask"},
         {"select --at 0,0 " + Quoted("field.bmp") + " out.gif", 2, "cannot tell the format"},
     };

@@ -7,8 +7,8 @@
 #include <vistrane/image/image.h>
 #include <vistrane/version.h>
 
-#include "args.h"
-#include "commands.h"
+#include "common/args.h"
+#include "common/commands.h"
 
 namespace {
 

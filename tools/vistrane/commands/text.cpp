@@ -1,0 +1,69 @@
+// vistrane text TEXT --font FAMILY_OR_FILE --size PX --out FILE.path [--svg FILE.svg]
+
+#include <charconv>
+#include <cstdio>
+#include <string>
+
+#include <vistrane/path/point_path.h>
+#include <vistrane/platform/font.h>
+#include <vistrane/platform/text.h>
+
+#include "common/commands.h"
+#include "common/path_output.h"
+
+namespace vistrane::cli {
+namespace {
+
+int RunText(const Subcommand& command, const ParsedArgs& args) {
+    if (!args.Has("font") || !args.Has("out")) {
+        return UsageError(command, "give --font FAMILY_OR_FILE and --out FILE.path");
+    }
+    const std::string sizeText = args.Value("size", "64");
+    int pixelSize = 0;
+    const char* end = sizeText.data() + sizeText.size();
+    const auto parsed = std::from_chars(sizeText.data(), end, pixelSize);
+    if (parsed.ec != std::errc() || parsed.ptr != end || pixelSize < 1 || pixelSize > 4096) {
+        return UsageError(command, "'" + sizeText + "' is not a pixel size from 1 to 4096");
+    }
+    const std::string family = args.Value("font");
+    CFont font;
+    if (!font.CreateFont(family.c_str(), pixelSize)) {
+        return Failure(command, "no font file or installed family matches '" + family + "'");
+    }
+    CString text(args.Positionals()[0].c_str());
+    C_PointPath path;
+    if (!path.CreateFromText(text, &font, CPoint(0, 0), 0)) {
+        return Failure(command, "cannot outline the text in '" + family + "'");
+    }
+    const std::string written = WritePathFiles(path, args.Value("out"), args.Value("svg"));
+    if (!written.empty()) {
+        return Failure(command, written);
+    }
+    PrintPathSummary(stdout, SummarisePath(path));
+    return kExitSuccess;
+}
+
+constexpr OptionSpec kTextOptions[] = {
+    {"font", "FAMILY_OR_FILE", "a font file, or a family such as \"DejaVu Sans\" (required)"},
+    {"size", "PX", "the em size in pixels, 1 to 4096 (64)"},
+    {"out", "FILE.path", "the path file to write (required)"},
+    {"svg", "FILE.svg", "also write an SVG preview of the outlines"},
+};
+
+}  // namespace
+
+const Subcommand kTextCommand = {
+    "text",
+    "TEXT",
+    "set a line of text in a font and write its outlines as a path",
+    "Sets TEXT (UTF-8) in the font with the text cell's top-left corner at (0, 0) and writes\n"
+    "the glyph outlines, lines and cubic curves as the font draws them, to the path file (and\n"
+    "as SVG with --svg). A family name is resolved through fontconfig to the best installed\n"
+    "match. Prints the counts and the bounds.",
+    kTextOptions,
+    1,
+    1,
+    RunText,
+};
+
+}  // namespace vistrane::cli
