@@ -10,9 +10,11 @@ RELEASE_DIR ?= build/release
 TEST_DIR ?= build/test
 ASAN_DIR ?= build/asan
 AARCH64_DIR ?= build/aarch64
+FUZZ_DIR ?= build/fuzz
+FUZZ_SECONDS ?= 60
 DEMO_DIR ?= demo-out
 
-.PHONY: all deps release demo test test-plain test-asan test-aarch64 bench install clean
+.PHONY: all deps release demo test test-plain test-asan test-aarch64 fuzz bench install clean
 
 all: release
 
@@ -49,6 +51,14 @@ test-aarch64: deps
 	    -DCMAKE_TOOLCHAIN_FILE=cmake/aarch64-linux-gnu.cmake -DVISTRANE_BUILD_BENCH=OFF
 	cmake --build $(AARCH64_DIR) -j$(JOBS)
 	ctest --test-dir $(AARCH64_DIR) --output-on-failure -j$(JOBS)
+
+# Every reader of untrusted bytes under libFuzzer with ASan and UBSan, FUZZ_SECONDS each.
+fuzz: deps
+	./scripts/install-deps.sh clang libclang-rt-14-dev
+	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	    -DVISTRANE_FUZZ=ON -DVISTRANE_BUILD_BENCH=OFF
+	cmake --build $(FUZZ_DIR) -j$(JOBS)
+	./scripts/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
 
 bench: release
 	cmake --build $(RELEASE_DIR) -j$(JOBS) --target vistrane_bench

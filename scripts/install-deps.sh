@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and benchmarking Vistrane need, but only
-# those that are missing, so that a machine that already has them is left alone and needs no
-# network. Runs unattended (no prompts); needs root or sudo only when something is missing.
+# Installs the Debian packages that building, testing and benchmarking Vistrane need, and any
+# named as arguments, but only those that are missing, so that a machine that already has them
+# is left alone and needs no network. Runs unattended (no prompts); needs root or sudo only when something is missing.
 set -euo pipefail
 
 packages=(
@@ -17,6 +17,8 @@ packages=(
     googletest
     libbenchmark-dev
 )
+# A target may need more (the fuzz build needs clang): it names them as arguments.
+packages+=("$@")
 
 missing=()
 for package in "${packages[@]}"; do
