@@ -57,7 +57,7 @@ fuzz: deps
 	./scripts/install-deps.sh clang libclang-rt-14-dev
 	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
 	    -DVISTRANE_FUZZ=ON -DVISTRANE_BUILD_BENCH=OFF -DBUILD_SHARED_LIBS=OFF
-	cmake --build $(FUZZ_DIR) -j$(JOBS)
+	cmake --build $(FUZZ_DIR) -j$(JOBS) --target vistrane_fuzzers
 	./scripts/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
 
 bench: release
