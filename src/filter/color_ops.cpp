@@ -2,6 +2,7 @@
 
 #include "filter/hsv_shift.h"
 #include "filter/lut_bytes.h"
+#include "image/progress.h"
 
 #include <algorithm>
 #include <memory>
@@ -29,7 +30,14 @@ void ColourOf(const image::PixelView& view, const BYTE* row, int x, BYTE* bgr) {
     bgr[0] = c.rgbBlue, bgr[1] = c.rgbGreen, bgr[2] = c.rgbRed;
 }
 
-void RunColorOp(const image::PixelView& view, const image::PixelView& mask, const ColorOpArgs& args,
+// Whether to go on before row y: the host hears of every band of rows.
+bool Continue(const ColorOpArgs& args, int y) {
+    return args.progress == nullptr || y % image::kProgressBandRows != 0 ||
+           args.progress->Report(y);
+}
+
+// False when the host cancelled.
+bool RunColorOp(const image::PixelView& view, const image::PixelView& mask, const ColorOpArgs& args,
                 C_Helper& helper) {
     // Unmasked, a grey table or three equal tables act on every byte alike.
     const bool grey = view.bytesPerPixel == 1;
@@ -38,17 +46,23 @@ void RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
                   std::equal(args.tables.red, args.tables.red + 256, args.tables.blue)))) {
         const LutBytesFn lut = LutBytesFor(cpu::Best());
         for (int y = 0; y < view.height; ++y) {
+            if (!Continue(args, y)) {
+                return false;
+            }
             lut(view.Row(y), view.RowBytes(), args.tables.red);
         }
-        return;
+        return true;
     }
     if (args.op == ColorRowOp::kLut && mask.Empty()) {
         auto lut = std::make_unique<BgrLut>();
         FillBgrLut(*lut, args.tables.blue, args.tables.green, args.tables.red);
         for (int y = 0; y < view.height; ++y) {
+            if (!Continue(args, y)) {
+                return false;
+            }
             LutBgrWords(view.Row(y), view.width, *lut);
         }
-        return;
+        return true;
     }
     std::vector<BYTE> scratch(static_cast<std::size_t>(view.width) * 3);
     std::unique_ptr<HsvShifter> hsvShifter;
@@ -56,6 +70,9 @@ void RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
         hsvShifter = std::make_unique<HsvShifter>(args.shifts[0], args.shifts[1], args.shifts[2]);
     }
     for (int y = 0; y < view.height; ++y) {
+        if (!Continue(args, y)) {
+            return false;
+        }
         BYTE* row = view.Row(y);
         const BYTE* m = MaskRow(mask, y);
         switch (args.op) {
@@ -89,6 +106,7 @@ void RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
             }
         }
     }
+    return true;
 }
 
 }  // namespace
@@ -96,13 +114,21 @@ void RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
 bool ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
                   const ColorOpArgs& args, C_Helper& helper) {
     // Every allocation comes before the first pixel is written, so a failed one leaves the view
-    // as it was.
+    // as it was; a cancel puts back the rows done, from a copy taken only when a host watches.
+    image::RowsSnapshot before;
     try {
-        RunColorOp(view, mask, args, helper);
+        if (args.progress != nullptr && args.progress->Active() && !before.Take(view)) {
+            return false;
+        }
+        if (RunColorOp(view, mask, args, helper) &&
+            (args.progress == nullptr || args.progress->Report(view.height))) {
+            return true;
+        }
     } catch (const std::bad_alloc&) {
         return false;
     }
-    return true;
+    before.Restore();
+    return false;
 }
 
 void NegativeWhereSelected(const image::PixelView& view, const image::PixelView& mask) {

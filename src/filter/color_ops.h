@@ -8,19 +8,24 @@
 
 #include <vistrane/companion/helper.h>
 
+namespace vistrane::image {
+class Progress;
+}
+
 namespace vistrane::filter {
 
 enum class ColorRowOp { kLut, kGray, kNegative, kShiftHsv, kShiftYuv };
 
 struct ColorOpArgs {
     ColorRowOp op = ColorRowOp::kLut;
-    ChannelTables tables{};       // kLut
-    const int* shifts = nullptr;  // kShiftHsv, kShiftYuv: three shifts
+    ChannelTables tables{};                     // kLut
+    const int* shifts = nullptr;                // kShiftHsv, kShiftYuv: three shifts
+    const image::Progress* progress = nullptr;  // told about every band of rows
 };
 
 // Runs one operation over every row of a 24-bit or grey view (grey views: the LUT uses the red
 // table, the shifts work on the palette colour and keep its grey average). False, with the view
-// untouched, when its working memory cannot be had.
+// untouched, when its working memory cannot be had or the host cancels.
 bool ApplyColorOp(const image::PixelView& view, const image::PixelView& mask,
                   const ColorOpArgs& args, C_Helper& helper);
 // Negative of the pixels whose mask byte is exactly 255 (all of them without a mask).

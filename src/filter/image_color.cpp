@@ -6,6 +6,7 @@
 
 #include "filter/color_ops.h"
 #include "image/pixel_view.h"
+#include "image/progress.h"
 #include "image/temporary_image.h"
 
 #include <algorithm>
@@ -112,6 +113,8 @@ void C_Image::PixelColorOperation(COLOROPER_TYPE type, int* params, C_Image* mas
     args.op = type == COLOROPER_HSV ? vistrane::filter::ColorRowOp::kShiftHsv
                                     : vistrane::filter::ColorRowOp::kShiftYuv;
     args.shifts = params;
+    const vistrane::image::Progress progress(*this, Height());
+    args.progress = &progress;
     vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask), args,
                                    m_Helper);
 }
@@ -133,6 +136,8 @@ void C_Image::LUTColorOperation(unsigned char* red, unsigned char* green, unsign
     }
     vistrane::filter::ColorOpArgs args;
     args.tables = {red, green, blue};
+    const vistrane::image::Progress progress(*this, Height());
+    args.progress = &progress;
     vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask), args,
                                    m_Helper);
 }
@@ -176,6 +181,8 @@ int C_Image::TurnGrayNeg(int gray, C_Image* mask) {
     vistrane::filter::ColorOpArgs args;
     args.op =
         gray != 0 ? vistrane::filter::ColorRowOp::kGray : vistrane::filter::ColorRowOp::kNegative;
+    const vistrane::image::Progress progress(*this, Height());
+    args.progress = &progress;
     return vistrane::filter::ApplyColorOp(vistrane::image::ViewOf(*this), MaskArgumentView(mask),
                                           args, m_Helper)
                ? 1

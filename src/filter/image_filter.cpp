@@ -7,7 +7,9 @@
 #include "blend/blend_select.h"
 #include "filter/neighbourhood_filter.h"
 #include "image/pixel_view.h"
+#include "image/progress.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {
@@ -56,18 +58,36 @@ int C_Image::FilterImage(BLENDMODES mode, unsigned char opacity, int blendOption
     const vistrane::blend::RowBlender blender = vistrane::blend::FastRowBlender(blendMode, bpp);
     vistrane::blend::BlendContext context{m_BlendModeOption, &m_Helper};
     const auto merge = vistrane::blend::MergeRowFor(bpp, vistrane::cpu::Best());
+    // With a host watching, the rectangle and the carried filter colour are kept so that a
+    // cancel can put them back.
+    const vistrane::image::Progress progress(*this, height);
+    settings.progress = progress.Active() ? &progress : nullptr;
+    vistrane::image::RowsSnapshot before;
+    BYTE colourBefore[3];
+    std::copy_n(m_BlendSource, 3, colourBefore);
+    bool done = false;
     try {
+        if (progress.Active() &&
+            !before.Take(vistrane::image::SubView(vistrane::image::ViewOf(*this),
+                                                  CRect(x, y, x + width, y + height)))) {
+            return 0;
+        }
         if (buffer == nullptr) {
-            vistrane::filter::FilterRectBanded(target, maskPlane, static_cast<int>(width),
-                                               static_cast<int>(height), settings, blender, merge,
-                                               context, m_BlendSource);
+            done = vistrane::filter::FilterRectBanded(target, maskPlane, static_cast<int>(width),
+                                                      static_cast<int>(height), settings, blender,
+                                                      merge, context, m_BlendSource);
         } else {
-            vistrane::filter::FilterRect(
+            done = vistrane::filter::FilterRect(
                 target, PlaneAt(vistrane::image::ViewOf(*buffer), bufferX, bufferY), maskPlane,
                 static_cast<int>(width), static_cast<int>(height), settings, blender, merge,
                 context, m_BlendSource);
         }
     } catch (const std::bad_alloc&) {
+        return 0;
+    }
+    if (!done || !progress.Report(height)) {
+        before.Restore();
+        std::copy_n(colourBefore, 3, m_BlendSource);
         return 0;
     }
     return 1;

@@ -8,6 +8,8 @@
 
 #include "filter/neighbourhood_filter.h"
 
+#include "image/progress.h"
+
 #include "filter/exact_divide.h"
 #include "filter/filter_rows.h"
 
@@ -183,12 +185,12 @@ void RefreshBorderedCopy(Plane buffer, Plane source, int borderX, int borderY, i
     }
 }
 
-void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
+bool FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
                 const FilterSettings& settings, const blend::RowBlender& blender,
                 void (*merge)(BYTE*, const BYTE*, const BYTE*, int), blend::BlendContext& context,
                 BYTE* filterColour) {
     if (width <= 0 || height <= 0) {
-        return;
+        return true;
     }
     std::array<Tap, FILTER_KERNEL_TAPS> taps;
     const int nTaps = BuildTaps(settings.kernel, buffer.stride, settings.bytesPerPixel, taps);
@@ -209,6 +211,10 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
         Apart(target, Plane{buffer.Row(-3) - 3 * settings.bytesPerPixel, buffer.stride}, bufferRows,
               rowBytes + 6 * settings.bytesPerPixel);
     for (int y = 0; y < height; ++y) {
+        if (settings.progress != nullptr && y % image::kProgressBandRows == 0 &&
+            !settings.progress->Report(y)) {
+            return false;
+        }
         BYTE* row = target.Row(y);
         if (direct) {
             FilteredRowByteWise(buffer.Row(y), static_cast<int>(rowBytes), taps.data(), nTaps,
@@ -233,16 +239,20 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
         blender.Run(colours.data(), row, results.data(), width, context, opacity.data());
         merge(row, results.data(), opacity.data(), width);
     }
+    return true;
 }
 
-void FilterRectBanded(Plane target, Plane mask, int width, int height,
+bool FilterRectBanded(Plane target, Plane mask, int width, int height,
                       const FilterSettings& settings, const blend::RowBlender& blender,
                       void (*merge)(BYTE*, const BYTE*, const BYTE*, int),
                       blend::BlendContext& context, BYTE* filterColour) {
     if (width <= 0 || height <= 0) {
-        return;
+        return true;
     }
     constexpr int kBorder = 3;
+    // Bands report here; the rows inside one band do not.
+    FilterSettings bandSettings = settings;
+    bandSettings.progress = nullptr;
     const int bpp = settings.bytesPerPixel;
     const std::ptrdiff_t stride = (static_cast<std::ptrdiff_t>(width) + 2 * kBorder) * bpp;
     std::vector<BYTE> band(static_cast<std::size_t>(stride) * (kBandRows + 2 * kBorder));
@@ -264,11 +274,15 @@ void FilterRectBanded(Plane target, Plane mask, int width, int height,
         for (int r = first; r < rows + 2 * kBorder; ++r) {
             fill(r, y0);
         }
+        if (settings.progress != nullptr && !settings.progress->Report(y0)) {
+            return false;
+        }
         const Plane bandMask = mask.first != nullptr ? Plane{mask.Row(y0), mask.stride} : Plane{};
         FilterRect(Plane{target.Row(y0), target.stride},
                    Plane{copy.Row(kBorder) + kBorder * bpp, stride}, bandMask, width, rows,
-                   settings, blender, merge, context, filterColour);
+                   bandSettings, blender, merge, context, filterColour);
     }
+    return true;
 }
 
 }  // namespace vistrane::filter

@@ -13,6 +13,10 @@
 
 #include <cstddef>
 
+namespace vistrane::image {
+class Progress;
+}
+
 namespace vistrane::filter {
 
 struct Plane {
@@ -38,6 +42,8 @@ struct FilterSettings {
     // The blend kernel's result is the filter colour itself (normal mode), so at full opacity
     // without a mask the filtered colours may be written straight into the target.
     bool blendTakesFilterColour = false;
+    // Told about every band of rows done; null reports nothing.
+    const image::Progress* progress = nullptr;
 };
 
 // Fills a bordered copy: buffer pixel (borderX + i, borderY + j) = source pixel (x + i, y + j)
@@ -52,7 +58,8 @@ void RefreshBorderedCopy(Plane buffer, Plane source, int borderX, int borderY, i
 // step with the target. `filterColour` is the image's carried filter colour (3 bytes), read by
 // the brightness type and by unknown types and left holding the last pixel's colour.
 // `blender`, `merge` and `context` come from the image's blend selector for this operation.
-void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
+// False when the settings' progress says the host cancelled; rows done by then stay done.
+bool FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
                 const FilterSettings& settings, const blend::RowBlender& blender,
                 void (*merge)(BYTE*, const BYTE*, const BYTE*, int), blend::BlendContext& context,
                 BYTE* filterColour);
@@ -61,7 +68,7 @@ void FilterRect(Plane target, Plane buffer, Plane mask, int width, int height,
 // of the rectangle, from a band of a few dozen bordered rows that moves down the rectangle
 // (each band keeps the original rows above it that the previous band has overwritten). Costs a
 // small allocation instead of a copy of the whole rectangle.
-void FilterRectBanded(Plane target, Plane mask, int width, int height,
+bool FilterRectBanded(Plane target, Plane mask, int width, int height,
                       const FilterSettings& settings, const blend::RowBlender& blender,
                       void (*merge)(BYTE*, const BYTE*, const BYTE*, int),
                       blend::BlendContext& context, BYTE* filterColour);

@@ -254,6 +254,11 @@ void C_Image::Rectangle(CRect* rect) const {
     rect->SetRect(0, 0, static_cast<LONG>(Width()), static_cast<LONG>(Height()));
 }
 
+void C_Image::SetProgressCallback(IMAGE_PROGRESS callback, void* context) {
+    m_Progress = callback;
+    m_ProgressContext = context;
+}
+
 int C_Image::SameDimensionsAs(const C_Image* other) const {
     return Width() == other->Width() && Height() == other->Height() ? 1 : 0;
 }

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <vector>
 
 namespace {
 
@@ -180,6 +182,67 @@ TEST_F(ImageFilter, RefusesPaletteImagesAndAcceptsEmptyRectangles) {
                                 FILTER_PER_CHANNEL, nullptr, 0, 0),
               1);
     EXPECT_EQ(image.PixelPtr(3, 2)[1], 255 - before.PixelPtr(3, 2)[1]);
+}
+
+}  // namespace
+
+namespace {
+
+// A host that watches and may stop: it records every report and cancels at `cancelAt` rows.
+struct Watcher {
+    long cancelAt = -1;
+    std::vector<long> done;
+    static int Report(void* context, long done, long total) {
+        auto* self = static_cast<Watcher*>(context);
+        EXPECT_GT(total, 0);
+        self->done.push_back(done);
+        return self->cancelAt >= 0 && done >= self->cancelAt ? 0 : 1;
+    }
+};
+
+// Filters and colour operations report rising progress that ends at the whole; a cancel
+// part-way returns 0 and leaves the picture (and the carried filter colour) as it was.
+TEST(Progress, LongOperationsReportAndCancelCleanly) {
+    glb_CreateImageLUTs();
+    int blur[49] = {};
+    for (const int tap : {16, 17, 18, 23, 24, 25, 30, 31, 32}) {
+        blur[tap] = 1;
+    }
+    const std::vector<std::function<int(C_Image&)>> operations = {
+        [&](C_Image& i) {
+            return i.FilterImage(BLENDMODE_NORMAL, 255, 0, 0, 0, i.Width(), i.Height(), nullptr,
+                                 blur, 0, 9, FILTER_PER_CHANNEL, nullptr, 0, 0);
+        },
+        [](C_Image& i) { return i.TurnNegative(nullptr); },
+        [](C_Image& i) {
+            int shifts[3] = {90, 10, 10};
+            i.PixelColorOperation(COLOROPER_HSV, shifts, nullptr);
+            return -1;
+        },
+    };
+    for (std::size_t k = 0; k < operations.size(); ++k) {
+        for (const long cancelAt : {-1L, 64L}) {
+            C_Image image, before;
+            ASSERT_EQ(image.Create(37, 200, 1, nullptr, 0), 1);
+            vistrane::test::FillRandomPixels(image, 5);
+            ASSERT_EQ(before.Clone(&image), 1);
+            Watcher watcher{cancelAt, {}};
+            image.SetProgressCallback(&Watcher::Report, &watcher);
+            const int result = operations[k](image);
+            ASSERT_FALSE(watcher.done.empty()) << k;
+            EXPECT_TRUE(std::is_sorted(watcher.done.begin(), watcher.done.end())) << k;
+            if (cancelAt < 0) {
+                EXPECT_NE(result, 0) << k;
+                EXPECT_EQ(watcher.done.back(), 200) << k;
+                EXPECT_FALSE(vistrane::test::SamePixels(before, image)) << k;
+            } else {
+                EXPECT_LE(result, 0) << k;
+                EXPECT_EQ(watcher.done.back(), 64) << k;
+                EXPECT_TRUE(vistrane::test::SamePixels(before, image)) << k;
+            }
+        }
+    }
+    glb_ReleaseImageLUTs();
 }
 
 }  // namespace

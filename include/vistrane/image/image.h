@@ -41,6 +41,9 @@ class CDC;
 // Every image keeps room for a full colour table of 256 entries, 24-bit images too.
 constexpr DWORD COLOR_TABLE_BYTES = 256 * sizeof(RGBQUAD);
 
+// A host's progress callback: rows `done` of `total`; returns 1 to go on, 0 to cancel.
+typedef int (*IMAGE_PROGRESS)(void* context, long done, long total);
+
 // Which paint colour an operation uses; every value other than 0 and 1 is the transparent one.
 enum PAINT_COLORS {
     PAINT_COLORS_FORE = 0,
@@ -395,6 +398,18 @@ class VISTRANE_API C_Image : public CObject {
     // With infoHeader40 set, the layout this library writes (40-byte header, 4-byte colours).
     BITMAPFILEHEADER* MakeOwnBitmapFileHeader(BITMAPFILEHEADER* header, int infoHeader40);
 
+    // ---- Progress of long operations -------------------------------------------------------
+
+    // FilterImage and the colour operations on pixels (ColorOperation, PixelColorOperation,
+    // LUTColorOperation, TurnGrayNeg) call the callback between bands of rows
+    // with the rows done and the rows in all, ending with done = total. When it returns 0 the
+    // operation stops, leaves the image as it was and returns 0 (members without a result just
+    // return). The callback is this image's own; null, the default, reports nothing and costs
+    // nothing. Copies and TransformInto do not carry it over.
+    void SetProgressCallback(IMAGE_PROGRESS callback, void* context);
+    IMAGE_PROGRESS GetProgressCallback() const { return m_Progress; }
+    void* GetProgressContext() const { return m_ProgressContext; }
+
     // ---- Geometric transforms: resampling and resizing -------------------------------------
 
     // Exactly DIBResize(size).
@@ -707,6 +722,8 @@ class VISTRANE_API C_Image : public CObject {
     PaintColorSet m_PaintColors;
     C_Helper m_Helper;
     int m_BehavesLikeMask = 0;
+    IMAGE_PROGRESS m_Progress = nullptr;
+    void* m_ProgressContext = nullptr;
     // Painting state, continued: the kernels' operands. The source colour doubles as the
     // filter colour that FilterImage carries from pixel to pixel; a new image starts it black.
     unsigned char m_BlendResult[3] = {0, 0, 0};
