@@ -141,27 +141,6 @@ TEST_F(CliTest, ShapeOnAPaletteImagePaintsTheNearestEntry) {
     EXPECT_TRUE(test::SamePixels(out, soft));
 }
 
-TEST_F(CliTest, ShapeRefusesBadRequests) {
-    SaveWhite(Path("white.bmp"), 4, 4);
-    const std::string io = Quoted("white.bmp") + " " + Quoted("out.png");
-    const struct {
-        std::string arguments;
-        const char* message;
-    } cases[] = {
-        {"--rect 0,0,2,2 " + io, "give the shape with --kind"},
-        {"--kind star --rect 0,0,2,2 " + io, "--kind takes rect, roundrect or ellipse, not 'star'"},
-        {"--kind rect " + io, "give the bounds with --rect L,T,R,B"},
-        {"--kind rect --rect 0,0,2 " + io, "'0,0,2' is not a rectangle L,T,R,B"},
-        {"--kind rect --rect 0,0,2,2 --pen 0 " + io, "'0' is not a pen width from 1 to 1000"},
-        {"--kind rect --rect 0,0,2,2 --color red " + io, "'red' is not a colour RRGGBB"},
-    };
-    for (const auto& c : cases) {
-        const ToolRun run = Vistrane("shape " + c.arguments);
-        EXPECT_EQ(run.exitCode, 2) << c.arguments;
-        EXPECT_TRUE(Contains(run.err, c.message)) << c.arguments << "\n" << run.err;
-    }
-}
-
 // A 3 x 2 source: red, green, blue over white, black, red.
 void SaveSource(const std::string& path) {
     C_Image source;

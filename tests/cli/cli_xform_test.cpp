@@ -135,25 +135,6 @@ TEST_F(XFormCli, OverlayDrawsTheFrameInItsColour) {
     EXPECT_EQ(overlay.GetPixelColorRef(60, 60), out.GetPixelColorRef(60, 60));
 }
 
-TEST_F(XFormCli, BadScriptsAreUsageErrors) {
-    const struct {
-        const char* script;
-        const char* message;
-    } cases[] = {
-        {"--drag '10,10 banana'", "'banana' in --drag '10,10 banana' is neither a point"},
-        {"--drag '10,10'", "needs at least two points"},
-        {"--drag '1,1 2,2+meta'", "'meta' in '2,2+meta' is not shift, ctrl or alt"},
-        {"--numeric 'spin=3'", "'spin=3' in --numeric is not one of"},
-        {"--numeric 'scale=0'", "'scale=0' in --numeric"},
-        {"--undo 0", "--undo '0' is not a number of steps"},
-    };
-    for (const auto& c : cases) {
-        const ToolRun run = XForm(c.script);
-        EXPECT_EQ(run.exitCode, 2) << c.script;
-        EXPECT_TRUE(Contains(run.err, c.message)) << c.script << ": " << run.err;
-    }
-}
-
 TEST_F(XFormCli, CollapsedFrameFailsWithAMessage) {
     // CTRL moves the top-left corner alone onto the bottom-right one: no diagonal is left.
     const ToolRun run = XForm("--drag '20,20 140,100 ctrl'");

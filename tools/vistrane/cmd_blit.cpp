@@ -50,7 +50,7 @@ int RunBlit(const Subcommand& command, const ParsedArgs& args) {
     }
     unsigned long transparent = 0;
     if (args.Has("transparent") && !ParseColor(args.Value("transparent"), transparent)) {
-        return UsageError(command, Quote(args.Value("transparent")) + " is not a colour RRGGBB");
+        return UsageError(command, ColorError(args.Value("transparent")));
     }
     if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
         return UsageError(command,
@@ -95,7 +95,7 @@ constexpr OptionSpec kBlitOptions[] = {
     {"at", "X,Y", "where the copy lands in DEST; may be negative (default 0,0)"},
     {"from", "X,Y", "the copied area's top-left corner in SOURCE (default 0,0)"},
     {"size", "WxH", "the largest area copied (default: all of SOURCE from --from on)"},
-    {"transparent", "RRGGBB", "source pixels of this colour leave DEST as it is"},
+    {"transparent", "[#]RRGGBB", "source pixels of this colour leave DEST as it is"},
 };
 
 }  // namespace

@@ -1,6 +1,5 @@
 // vistrane border IN OUT --margins N|L,T,R,B [--color RRGGBB]
 
-#include <charconv>
 #include <string>
 #include <vector>
 
@@ -9,24 +8,10 @@
 
 #include "commands.h"
 #include "output_file.h"
+#include "values.h"
 
 namespace vistrane::cli {
 namespace {
-
-// "RRGGBB" in hexadecimal, optionally after a '#'.
-bool ParseColor(std::string text, unsigned long& color) {
-    if (!text.empty() && text[0] == '#') {
-        text.erase(0, 1);
-    }
-    unsigned long rgb = 0;
-    const char* end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, rgb, 16);
-    if (text.size() != 6 || parsed.ec != std::errc() || parsed.ptr != end) {
-        return false;
-    }
-    color = RGB(rgb >> 16 & 0xFF, rgb >> 8 & 0xFF, rgb & 0xFF);
-    return true;
-}
 
 int RunBorder(const Subcommand& command, const ParsedArgs& args) {
     const std::string& input = args.Positionals()[0];
@@ -45,7 +30,7 @@ int RunBorder(const Subcommand& command, const ParsedArgs& args) {
     unsigned long color = 0;
     const std::string colorText = args.Value("color");
     if (args.Has("color") && !ParseColor(colorText, color)) {
-        return UsageError(command, "'" + colorText + "' is not a colour RRGGBB");
+        return UsageError(command, ColorError(colorText));
     }
     if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
         return UsageError(command,
@@ -77,7 +62,7 @@ int RunBorder(const Subcommand& command, const ParsedArgs& args) {
 
 constexpr OptionSpec kBorderOptions[] = {
     {"margins", "N|L,T,R,B", "border widths: one for every side, or left, top, right, bottom"},
-    {"color", "RRGGBB", "the border colour in hexadecimal (default: the background colour)"},
+    {"color", "[#]RRGGBB", "the border colour in hexadecimal (default: the background colour)"},
 };
 
 }  // namespace

@@ -74,7 +74,7 @@ int RunColor(const Subcommand& command, const ParsedArgs& args) {
 }
 
 constexpr OptionSpec kColorOptions[] = {
-    {"mask", "FILE", "a picture of the same size whose grey levels say how strongly"},
+    {"mask", "FILE", "an 8-bit grey picture of the same size: how strongly each pixel changes"},
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -63,11 +64,7 @@ int RunConvert(const Subcommand& command, const ParsedArgs& args) {
         return Failure(command, "cannot make a grey image of " + std::to_string(image.Width()) +
                                     " x " + std::to_string(image.Height()));
     }
-    const ImageFileResult saved = SaveImageFile(output, args.Has("grey") ? grey : image);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, args.Has("grey") ? grey : image);
 }
 
 constexpr OptionSpec kConvertOptions[] = {

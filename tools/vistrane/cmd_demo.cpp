@@ -127,19 +127,29 @@ std::string HueShift(DemoContext& context) {
     return SaveInto(context, image, "color-hsv.png");
 }
 
-// One horizontal band per blend mode, top to bottom in mode order, each painted orange.
+// One labelled horizontal band per blend mode that a flat paint can show, top to bottom in
+// mode order, each painted orange. The filter modes and smudge need a brush stroke and would
+// only repeat normal.
 std::string BlendModeStrip(DemoContext& context) {
     C_Image image;
     if (image.Clone(&context.picture) == 0) {
         return "cannot copy the picture";
     }
+    CFont font;
+    if (!CreateCaptionFont(font)) {
+        return "no font for the band labels";
+    }
     image.SetForeTrueColor(RGB(255, 140, 0));
-    const long band = image.Height() / (BLENDMODE_SMUDGE + 1);
-    for (int mode = 0; mode <= BLENDMODE_SMUDGE; ++mode) {
+    const long band = image.Height() / BLENDMODE_FILTER1;
+    for (int mode = 0; mode < BLENDMODE_FILTER1; ++mode) {
         const CRect rect(0, mode * band, image.Width(), (mode + 1) * band);
         if (image.PaintMasked(PAINT_COLORS_FORE, static_cast<BLENDMODES>(mode), 50, 255, nullptr,
                               &rect) == 0) {
             return std::string("painting in mode ") + BlendModeName(mode) + " failed";
+        }
+        if (!DrawCaption(image, font, 12, mode * band + (band - 20) / 2, BlendModeName(mode),
+                         140)) {
+            return std::string("cannot label the band of ") + BlendModeName(mode);
         }
     }
     return SaveInto(context, image, "blend-modes.png");

@@ -113,8 +113,11 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
     if (!LoadPictureAndMask(args, image, mask, hasMask, error)) {
         return Failure(command, error);
     }
-    if (!image.CanEditTrueColor() && image.TurnGrayPalette() == 0) {
-        return Failure(command, "cannot make a grey image to filter");
+    // A colour table is turned grey in place; the filters run only when that leaves a grey
+    // ramp, which tables of fewer than 256 entries do not.
+    if (!image.CanEditTrueColor() && (image.TurnGrayPalette() == 0 || !image.CanEditTrueColor())) {
+        return Failure(command, "a palette image of " + std::to_string(image.NColors()) +
+                                    " colours cannot be filtered: convert it to 24-bit first");
     }
     int field[49];
     Centre(weights, field);
@@ -124,7 +127,9 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
                                        field, offset, divisor, type, nullptr, 0, 0);
     glb_ReleaseImageLUTs();
     if (done == 0) {
-        return Failure(command, "not enough memory to filter the image");
+        return Failure(command, "the filter could not run on this " +
+                                    std::to_string(image.Width()) + " x " +
+                                    std::to_string(image.Height()) + " picture");
     }
     return SaveOutput(command, args.Positionals()[1], image);
 }

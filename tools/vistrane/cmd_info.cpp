@@ -21,7 +21,15 @@ int RunInfo(const Subcommand& command, const ParsedArgs& args) {
     std::printf("size:      %ld x %ld\n", image.Width(), image.Height());
     std::printf("depth:     %u bits (%s)\n", static_cast<unsigned>(image.BitCount()),
                 image.IsTrueColor() ? "true colour" : "colour table");
-    std::printf("colours:   %lu\n", image.NColors());
+    if (image.IsTrueColor()) {
+        unsigned long distinct = 0;
+        if (image.CountColors(&distinct, nullptr) == 0) {
+            return Failure(command, "cannot count the colours of " + path);
+        }
+        std::printf("colours:   %lu distinct\n", distinct);
+    } else {
+        std::printf("colours:   %lu table entries\n", image.NColors());
+    }
     std::printf("grey mask: %s\n", image.IsMask() ? "yes" : "no");
     std::printf("bytes:     %lu\n", image.NBytesImage());
     if (loaded.alphaFlattened) {

@@ -10,23 +10,15 @@
 #include "commands.h"
 #include "edit_options.h"
 #include "output_file.h"
+#include "values.h"
 
 namespace vistrane::cli {
 namespace {
 
-bool ParseColour(const std::string& text, unsigned long& colour) {
-    if (text.size() != 6 || text.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
-        return false;
-    }
-    const unsigned long rgb = std::stoul(text, nullptr, 16);
-    colour = RGB((rgb >> 16) & 0xFF, (rgb >> 8) & 0xFF, rgb & 0xFF);
-    return true;
-}
-
 int RunPaint(const Subcommand& command, const ParsedArgs& args) {
     unsigned long colour = 0;
-    if (!ParseColour(args.Value("color", "000000"), colour)) {
-        return UsageError(command, "--color takes six hex digits RRGGBB");
+    if (!ParseColor(args.Value("color", "000000"), colour)) {
+        return UsageError(command, ColorError(args.Value("color")));
     }
     int opacity = 255, option = 50;
     std::string error;
@@ -41,11 +33,22 @@ int RunPaint(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(
             command, "unknown mode '" + args.Value("mode") + "'; modes are " + BlendModeNames());
     }
+    // The filter modes and smudge take their source from a neighbourhood or a stroke, which a
+    // flat fill has not; they would paint as normal.
+    if (mode >= BLENDMODE_FILTER1) {
+        return UsageError(command, "--mode " + args.Value("mode") +
+                                       " needs a brush stroke and has no meaning for paint");
+    }
     C_Image image;
     C_Image mask;
     bool hasMask = false;
     if (!LoadPictureAndMask(args, image, mask, hasMask, error)) {
         return Failure(command, error);
+    }
+    // A grey or palette picture has no saturation to move: the mode would act as normal.
+    if ((mode == BLENDMODE_SATURATE || mode == BLENDMODE_DESATURATE) && !image.IsTrueColor()) {
+        return UsageError(command, "--mode " + args.Value("mode") +
+                                       " needs a 24-bit picture, not a grey or palette one");
     }
     if (image.IsTrueColor()) {
         image.SetForeTrueColor(colour);
@@ -64,7 +67,7 @@ int RunPaint(const Subcommand& command, const ParsedArgs& args) {
 }
 
 constexpr OptionSpec kPaintOptions[] = {
-    {"color", "RRGGBB", "the colour (default 000000)"},
+    {"color", "[#]RRGGBB", "the colour (default 000000)"},
     {"mode", "MODE", "blend mode (default normal)"},
     {"opacity", "0..255", "strength (default 255)"},
     {"option", "0..100", "the dissolve percentage (default 50; 100 acts as 50)"},

@@ -49,7 +49,7 @@ int RunSelect(const Subcommand& command, const ParsedArgs& args) {
     }
     unsigned long colour = 0;
     if (args.Has("color") && !ParseColor(args.Value("color"), colour)) {
-        return UsageError(command, Quote(args.Value("color")) + " is not a colour RRGGBB");
+        return UsageError(command, ColorError(args.Value("color")));
     }
     if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
         return UsageError(command,
@@ -63,15 +63,9 @@ int RunSelect(const Subcommand& command, const ParsedArgs& args) {
     }
     C_Image mask;
     if (args.Has("grow")) {
-        const std::string problem = LoadMaskFile(args.Value("mask"), mask);
+        const std::string problem = LoadMaskFor(args.Value("mask"), image, mask);
         if (!problem.empty()) {
             return Failure(command, problem);
-        }
-        if (!mask.SameDimensionsAs(&image)) {
-            return Failure(command, "the mask is " + std::to_string(mask.Width()) + " x " +
-                                        std::to_string(mask.Height()) + ", the image " +
-                                        std::to_string(image.Width()) + " x " +
-                                        std::to_string(image.Height()));
         }
     } else if (!mask.CreateMask(image.Width(), image.Height())) {
         return Failure(command, "not enough memory for a mask of the image's size");
@@ -103,7 +97,7 @@ constexpr OptionSpec kSelectOptions[] = {
     {"at", "X,Y", "magic wand: the region 4-connected to pixel (X, Y) alike its colour"},
     {"grow", "T", "grow the selection given with --mask by tolerance T"},
     {"mask", "MASK", "the selection to grow (an 8-bit grey image of IN's size)"},
-    {"color", "RRGGBB", "every pixel alike this colour, connected or not"},
+    {"color", "[#]RRGGBB", "every pixel alike this colour, connected or not"},
     {"tolerance", "T", "how far a colour may be from the reference, 0 to 255 (default 32)"},
     {"match", "MODE", "rgb (each channel), hue, intensity or any (default rgb)"},
     {"value", "V", "opacity of the selected pixels, 1 to 255 (default 255)"},

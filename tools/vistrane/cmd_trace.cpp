@@ -67,8 +67,8 @@ int RunTrace(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(command, message);
     }
     if (tolerance < 0.5 || tolerance > 10.0) {
-        std::fprintf(stderr, "vistrane trace: tolerance %g is outside 0.5 to 10; using %g\n",
-                     tolerance, tolerance < 0.5 ? 0.5 : 10.0);
+        return UsageError(
+            command, "--tolerance " + args.Value("tolerance") + " is outside 0.5 to 10 pixels");
     }
     C_Image image;
     const ImageFileResult loaded = LoadImageFile(input, image);

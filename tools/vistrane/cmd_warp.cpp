@@ -7,6 +7,7 @@
 #include <vistrane/io/image_file.h>
 
 #include "commands.h"
+#include "output_file.h"
 
 namespace vistrane::cli {
 namespace {
@@ -76,9 +77,8 @@ int RunWarp(const Subcommand& command, const ParsedArgs& args) {
         case FREEXFORM_NOSELECTION:
             return Failure(command, "the mask selects nothing");
     }
-    const ImageFileResult saved = SaveImageFile(output, warped);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
+    if (const int saved = SaveOutput(command, output, warped); saved != kExitSuccess) {
+        return saved;
     }
     if (!maskOut.empty()) {
         const ImageFileResult maskSaved = SaveImageFile(maskOut, warpedMask);

@@ -16,6 +16,7 @@
 
 #include "commands.h"
 #include "frame_output.h"
+#include "output_file.h"
 #include "values.h"
 
 namespace vistrane::cli {
@@ -168,12 +169,39 @@ std::string ParseScript(const ParsedArgs& args, std::vector<ScriptStep>& steps) 
     return {};
 }
 
+// What one drag did to the frame, so that a drag the frame read differently from what the
+// user meant (a centre drag on a small selection, a start off every handle) is not silent.
+void ReportDrag(int number, const CPoint* before, const CPoint* after) {
+    const CPoint shift = after[FXF_TopLeft] - before[FXF_TopLeft];
+    bool moved = true;
+    bool changed = false;
+    for (int k = FXF_TopLeft; k < FXF_CloneVertex; k += 2) {
+        moved = moved && after[k] - before[k] == shift;
+        changed = changed || after[k] != before[k];
+    }
+    if (!changed) {
+        std::printf("drag %d: changed nothing (it started off every handle or did not move)\n",
+                    number);
+    } else if (moved) {
+        std::printf("drag %d: moved the frame by %d,%d\n", number, shift.x, shift.y);
+    } else {
+        std::printf("drag %d: reshaped the frame\n", number);
+    }
+}
+
 void RunScript(C_FreeXFormFrame& frame, const std::vector<ScriptStep>& steps) {
+    int drags = 0;
     for (const ScriptStep& step : steps) {
         switch (step.kind) {
-            case ScriptStep::Kind::Drag:
+            case ScriptStep::Kind::Drag: {
+                CPoint before[C_FreeXFormFrame::kPointCount];
+                CPoint after[C_FreeXFormFrame::kPointCount];
+                frame.GetDrawPoints(before);
                 RunDrag(frame, step.drag);
+                frame.GetDrawPoints(after);
+                ReportDrag(++drags, before, after);
                 break;
+            }
             case ScriptStep::Kind::Numeric:
                 frame.SetNumericParams(&step.numeric);
                 break;
@@ -206,6 +234,7 @@ std::string SaveAll(C_Image& result, C_Image& resultMask, const ParsedArgs& args
     if (!saved.ok) {
         return saved.error;
     }
+    ReportWritten(args.Positionals()[1], result);
     if (args.Has("mask-out")) {
         const ImageFileResult maskSaved = SaveImageFile(args.Value("mask-out"), resultMask);
         if (!maskSaved.ok) {
@@ -236,8 +265,8 @@ int RunXForm(const Subcommand& command, const ParsedArgs& args) {
     for (const auto& [name, colour] :
          {std::pair{"fill", &options.fill}, std::pair{"colour", &frameColour}}) {
         if (args.Has(name) && !ParseColor(args.Value(name), *colour)) {
-            return UsageError(command, Quote(args.Value(name)) + " given to --" + name +
-                                           " is not a colour RRGGBB");
+            return UsageError(command,
+                              "--" + std::string(name) + ": " + ColorError(args.Value(name)));
         }
     }
     for (const char* name : {"mask-out", "overlay"}) {
@@ -259,13 +288,9 @@ int RunXForm(const Subcommand& command, const ParsedArgs& args) {
     }
     C_Image mask;
     if (args.Has("mask")) {
-        if (const std::string problem = LoadMaskFile(args.Value("mask"), mask); !problem.empty()) {
+        if (const std::string problem = LoadMaskFor(args.Value("mask"), picture, mask);
+            !problem.empty()) {
             return Failure(command, problem);
-        }
-        if (!mask.SameDimensionsAs(&picture)) {
-            return Failure(command, "the mask must have the picture's size, " +
-                                        std::to_string(picture.Width()) + " x " +
-                                        std::to_string(picture.Height()));
         }
     } else if (!mask.CreateMask(picture.Width(), picture.Height())) {
         return Failure(command, "not enough memory for the mask");
@@ -316,10 +341,10 @@ constexpr OptionSpec kXFormOptions[] = {
     {"undo", "N", "undo N steps (1 to 1000; stops when nothing is left)"},
     {"redo", "N", "redo N undone steps"},
     {"overlay", "FILE", "also write OUT with the frame drawn on it"},
-    {"colour", "RRGGBB", "the frame's colour in --overlay (default FF00FF)"},
+    {"colour", "[#]RRGGBB", "the frame's colour in --overlay (default FF00FF)"},
     {"mask-out", "FILE", "also write the selection after the transform"},
     {"keep", nullptr, "leave the original pixels in place (a transformed copy)"},
-    {"fill", "RRGGBB", "what the vacated selection becomes (default FFFFFF)"},
+    {"fill", "[#]RRGGBB", "what the vacated selection becomes (default FFFFFF)"},
     {"nearest", nullptr, "copy the nearest pixel instead of interpolating"},
 };
 

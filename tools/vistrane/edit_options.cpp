@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "values.h"
+
 namespace vistrane::cli {
 namespace {
 
@@ -63,23 +65,8 @@ bool LoadMaskOption(const ParsedArgs& args, C_Image& image, C_Image& mask, bool&
     if (!hasMask) {
         return true;
     }
-    C_Image loaded;
-    const ImageFileResult result = LoadImageFile(args.Value("mask"), loaded);
-    if (!result.ok) {
-        error = result.error;
-        return false;
-    }
-    if (!loaded.SameDimensionsAs(&image)) {
-        error = "the mask must have the image's size, " + std::to_string(image.Width()) + " x " +
-                std::to_string(image.Height());
-        return false;
-    }
-    if (!loaded.IsMask() && loaded.TurnGrayPalette() == 0) {
-        error = "cannot make a grey mask of " + args.Value("mask");
-        return false;
-    }
-    mask.TransformInto(&loaded, 0);
-    return true;
+    error = LoadMaskFor(args.Value("mask"), image, mask);
+    return error.empty();
 }
 
 bool RenderHistogramPlot(const S_Histogram& h, C_Image& plot) {

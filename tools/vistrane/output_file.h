@@ -1,6 +1,8 @@
 #pragma once
 
-// The last step of every editing subcommand: write the result where the user asked.
+// The files every subcommand reads and writes, handled in one place: names are checked and
+// "-" (standard input or output) is spooled before the command does any work, and what was
+// written is reported after it.
 
 #include <string>
 
@@ -10,7 +12,15 @@ class C_Image;
 
 namespace vistrane::cli {
 
-// Saves the image by the path's extension; kExitSuccess, or the failure reported on stderr.
+// Checks the output name (.bmp or .png, or "-"), makes the input files readable (spooling "-"
+// from standard input), runs the command, and copies a "-" output to standard output.
+int RunWithFiles(const Subcommand& command, ParsedArgs& args);
+
+// Saves the image by the path's extension and reports it; kExitSuccess, or the failure
+// reported on stderr.
 int SaveOutput(const Subcommand& command, const std::string& path, C_Image& image);
+// "wrote NAME (W x H, N-bit) in T s" on stdout (stderr when the picture itself went to
+// stdout), unless -q was given.
+void ReportWritten(const std::string& path, const C_Image& image);
 
 }  // namespace vistrane::cli
