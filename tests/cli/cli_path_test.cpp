@@ -143,18 +143,5 @@ TEST_F(CliPathTest, PathDescribesAFileAndRejectsDamagedOnes) {
     EXPECT_TRUE(Contains(damaged.err, "is not a path file")) << damaged.err;
 }
 
-TEST_F(CliPathTest, DemoWritesTracedAndTextPaths) {
-    const ToolRun run = Vistrane("demo " + Quoted("demo"));
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-    for (const char* name : {"sky", "text"}) {
-        C_PointPath path;
-        ASSERT_EQ(path.LoadFromFile(Path(std::string("demo/") + name + ".path").c_str(), 0), 1)
-            << name;
-        EXPECT_GT(path.GetNSubPaths(), 0) << name;
-        EXPECT_TRUE(Contains(ReadText(Path(std::string("demo/") + name + ".svg")), "<path "))
-            << name;
-    }
-}
-
 }  // namespace
 }  // namespace vistrane

@@ -6,6 +6,8 @@
 
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
+#include <vistrane/mask/mask_features.h>
+#include <vistrane/path/point_path.h>
 #include <vistrane/version.h>
 
 #include "cli/cli_support.h"
@@ -244,7 +246,7 @@ TEST_F(CliTest, WarpWithOwnCornersReproducesAndReportsDegenerateCorners) {
     EXPECT_TRUE(Contains(seven.err, "is not eight whole numbers")) << seven.err;
 }
 
-TEST_F(CliTest, DemoWritesThePictureInBothFormats) {
+TEST_F(CliTest, DemoWritesEveryStepOfTheTour) {
     const ToolRun run = Vistrane("demo '" + Path("demo") + "'");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_TRUE(Contains(run.out, "render picture")) << run.out;
@@ -269,6 +271,54 @@ TEST_F(CliTest, DemoWritesThePictureInBothFormats) {
             ASSERT_EQ(PixelOf(tiled, x, y), PixelOf(tiled, x + 1440, y + 1080)) << x << ", " << y;
         }
     }
+    C_Image picture;
+    ASSERT_TRUE(LoadImageFile(Path("demo/picture.png"), picture).ok);
+    C_Image mask;
+    ASSERT_TRUE(LoadImageFile(Path("demo/wand-mask.png"), mask).ok);
+    ASSERT_TRUE(mask.IsMask());
+    ASSERT_TRUE(mask.SameDimensionsAs(&picture));
+    S_MaskFeatures features{};
+    mask.MaskExtractFeatures(&features);
+    // The sky: a real part of the picture, reaching its top edge, not all of it.
+    EXPECT_GT(features.m_NSelected, picture.Width() * picture.Height() / 20);
+    EXPECT_LT(features.m_NSelected, picture.Width() * picture.Height() / 2);
+    EXPECT_EQ(features.m_Top, 0);
+    EXPECT_EQ(features.m_MinOpacity, 255);
+
+    C_Image shown;
+    ASSERT_TRUE(LoadImageFile(Path("demo/wand-selection.png"), shown).ok);
+    EXPECT_NE(shown.GetPixelColorRef(700, 350), picture.GetPixelColorRef(700, 350));
+    C_Image shapes;
+    ASSERT_TRUE(LoadImageFile(Path("demo/shapes.png"), shapes).ok);
+    EXPECT_EQ(shapes.GetPixelColorRef(800, 900), RGB(30, 90, 200));  // inside the filled one
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 850), picture.GetPixelColorRef(300, 850));
+    // The soft filled rectangle (100, 250)-(500, 550) in 240 grey: inside it the hard paint,
+    // beside its top edge a third of the paint over the picture, farther out the picture.
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 400), RGB(240, 240, 240));
+    const unsigned long under = picture.GetPixelColorRef(300, 249);
+    auto blend = [](BYTE old) { return static_cast<BYTE>(old * 170 / 255 + 240 * 85 / 255); };
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 249),
+              RGB(blend(GetRValue(under)), blend(GetGValue(under)), blend(GetBValue(under))));
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 248), picture.GetPixelColorRef(300, 248));
+    for (const char* name : {"sky", "text"}) {
+        C_PointPath path;
+        ASSERT_EQ(path.LoadFromFile(Path(std::string("demo/") + name + ".path").c_str(), 0), 1)
+            << name;
+        EXPECT_GT(path.GetNSubPaths(), 0) << name;
+        EXPECT_TRUE(Contains(ReadText(Path(std::string("demo/") + name + ".svg")), "<path "))
+            << name;
+    }
+    // Four panels a row, each with a caption band under it drawn in a light colour.
+    C_Image sheet;
+    ASSERT_TRUE(LoadImageFile(Path("demo/contact-sheet.png"), sheet).ok);
+    EXPECT_EQ(sheet.Width(), 1660);
+    int lit = 0;
+    for (long x = 12; x < 412; ++x) {
+        for (long y = 312; y < 342; ++y) {
+            lit += GetRValue(sheet.GetPixelColorRef(x, y)) > 150 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(lit, 40);
 }
 
 }  // namespace
