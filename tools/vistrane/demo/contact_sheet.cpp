@@ -5,6 +5,8 @@
 
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
+#include <vistrane/path/point_path.h>
+#include <vistrane/path/sub_path.h>
 #include <vistrane/platform/dc.h>
 #include <vistrane/platform/font.h>
 
@@ -101,6 +103,42 @@ bool IsPicture(const std::string& path) {
 }
 
 }  // namespace
+
+bool DrawPathOutline(C_Image& image, const C_PointPath& path, unsigned long colour) {
+    // Each segment is a cubic from an anchor along its outgoing direction into the next
+    // anchor along that one's incoming direction, as the device records curves.
+    std::vector<POINT> points;
+    std::vector<BYTE> types;
+    for (const C_SubPath* sub = path.GetFirstSubPath(); sub != nullptr; sub = sub->GetNext()) {
+        const int count = sub->GetCount();
+        const S_PathPoint* anchors = sub->GetPoints();
+        const int segments = sub->IsClosed() != 0 ? count : count - 1;
+        if (count < 2) {
+            continue;
+        }
+        points.push_back(anchors[0].m_Anchor);
+        types.push_back(PT_MOVETO);
+        for (int k = 0; k < segments; ++k) {
+            const S_PathPoint& from = anchors[k];
+            const S_PathPoint& to = anchors[(k + 1) % count];
+            points.push_back(from.m_Anchor + from.m_NextDirection);
+            points.push_back(to.m_Anchor + to.m_PrevDirection);
+            points.push_back(to.m_Anchor);
+            types.insert(types.end(), 3, PT_BEZIERTO);
+        }
+    }
+    CDC dc;
+    if (!dc.CreateCompatibleDC(nullptr)) {
+        return false;
+    }
+    CBitmap* oldBitmap = dc.SelectObject(image.GetBitmap());
+    CPen pen(PS_SOLID, 3, colour);
+    CPen* oldPen = dc.SelectObject(&pen);
+    StrokeDevicePath(dc, points, types);
+    dc.SelectObject(oldPen);
+    dc.SelectObject(oldBitmap);
+    return true;
+}
 
 bool CreateCaptionFont(CFont& font) {
     return font.CreateFont("DejaVu Sans", kCaptionPixels) != 0;

@@ -8,6 +8,7 @@
 
 class C_Image;
 class CFont;
+class C_PointPath;
 
 namespace vistrane::cli {
 
@@ -22,6 +23,9 @@ bool CreateCaptionFont(CFont& font);
 // under it first, so that it reads over any picture.
 bool DrawCaption(C_Image& image, CFont& font, long x, long y, const std::string& caption,
                  int plateWidth);
+
+// Strokes every sub-path of `path` over the image, three pixels wide, curves as chords.
+bool DrawPathOutline(C_Image& image, const C_PointPath& path, unsigned long colour);
 
 std::string MakeContactSheet(const std::vector<std::string>& paths, C_Image& sheet);
 

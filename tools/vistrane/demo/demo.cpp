@@ -29,6 +29,7 @@ struct DemoContext {
     std::filesystem::path directory;
     C_Image picture;
     C_Image wandMask;
+    C_Image outlines;  // the picture with the traced and text outlines drawn over it
     std::vector<std::string> written;
 };
 
@@ -212,6 +213,10 @@ std::string TraceSkySelection(DemoContext& context) {
     if (!path.CreateFromMask(&mask, CSize(), 1.0, 0)) {
         return "the selection has no outline";
     }
+    if (!context.outlines.Clone(&context.picture) ||
+        !DrawPathOutline(context.outlines, path, RGB(255, 40, 200))) {
+        return "cannot draw the traced outline over the picture";
+    }
     return WritePath(context, path, "sky");
 }
 
@@ -224,6 +229,13 @@ std::string OutlineText(DemoContext& context) {
     C_PointPath path;
     if (!path.CreateFromText(text, &font, CPoint(40, 40), 0)) {
         return "the text cannot be outlined";
+    }
+    if (!DrawPathOutline(context.outlines, path, RGB(255, 230, 0))) {
+        return "cannot draw the text outline over the picture";
+    }
+    if (const std::string failure = SaveInto(context, context.outlines, "outlines.png");
+        !failure.empty()) {
+        return failure;
     }
     return WritePath(context, path, "text");
 }
