@@ -74,7 +74,9 @@ class XFormCli : public CliTest {
 TEST_F(XFormCli, DragInsideMovesEverySelectedPixelExactly) {
     const ToolRun run = XForm("--drag '30,25 36,28 42,32'");
     ASSERT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_TRUE(Contains(run.out, "frame: 32,27 152,27 152,107 32,107")) << run.out;
+    EXPECT_TRUE(
+        Contains(run.out, "drag 1: moved the frame by 12,7\nframe: 32,27 152,27 152,107 32,107"))
+        << run.out;
     ExpectMovedBy(12, 7);
 }
 
