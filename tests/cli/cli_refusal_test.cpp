@@ -89,6 +89,8 @@ TEST_F(CliAnswers, EachCommandLineGetsItsAnswer) {
         {"crop --rect 20,0,5,5 {c.bmp} {o.png}", 1, "outside the 6 x 4 image"},
         {"crop --rect 1,2,0,5 {c.bmp} {o.png}", 2, "is not a rectangle"},
         {"border --margins -2 {c.bmp} {o.bmp}", 1, "leave nothing"},
+        {"warp --corners 0,0,5,0,0,0,0,5 {c.bmp} {o.bmp}", 1, "are degenerate"},
+        {"warp --corners 1,2,3,4,5,6,7 {c.bmp} {o.bmp}", 2, "is not eight whole numbers"},
         {"shape --rect 0,0,2,2 {c.bmp} {o.png}", 2, "give the shape with --kind"},
         {"shape --kind star --rect 0,0,2,2 {c.bmp} {o.png}", 2, "not 'star'"},
         {"shape --kind rect --rect 0,0,2 {c.bmp} {o.png}", 2, "is not a rectangle L,T,R,B"},

