@@ -1,5 +1,6 @@
-// The layer every subcommand shares (colours, output names, masks, messages) and the two
-// geometry commands, resize and rotate.
+// What the shared layer accepts (colours with '#', a palette picture made 24-bit for the filters)
+// and the two geometry commands, resize and rotate. Refusals are one table in
+// cli_refusal_test.cpp.
 
 #include <gtest/gtest.h>
 
@@ -43,41 +44,6 @@ class CliLayer : public CliTest {
         ASSERT_TRUE(LoadImageFile(Path(name), image).ok) << name;
     }
 };
-
-// Every command that writes a picture checks the name before it reads anything, takes colours
-// with or without '#', and holds masks to one rule.
-TEST_F(CliLayer, CommandsShareOneWayOfSayingNo) {
-    const std::string in = Quoted("in.bmp");
-    const std::string gif = Quoted("out.gif");
-    const std::string png = Quoted("out.png");
-    const struct {
-        std::string arguments;
-        int exitCode;
-        const char* message;
-    } cases[] = {
-        {"paint " + in + " " + gif, 2, "cannot tell the format"},
-        {"filter --preset blur " + in + " " + gif, 2, "cannot tell the format"},
-        {"color " + in + " " + gif + " negative", 2, "cannot tell the format"},
-        {"palette " + Quoted("four.bmp") + " " + gif + " sort luminance", 2,
-         "cannot tell the format"},
-        {"resize --size 3x2 " + in + " " + gif, 2, "cannot tell the format"},
-        {"rotate --right " + in + " " + gif, 2, "cannot tell the format"},
-        {"paint --color 12345G " + in + " " + png, 2, "'12345G' is not a colour RRGGBB"},
-        {"border --margins 1 --color '#12' " + in + " " + png, 2, "is not a colour RRGGBB"},
-        {"paint --mask " + Quoted("small.png") + " " + in + " " + png, 1,
-         "the mask must have the image's size, 6 x 4"},
-        {"filter --preset blur --mask " + in + " " + in + " " + png, 1, "is not a selection mask"},
-        {"filter --preset blur " + Quoted("four.bmp") + " " + png, 1,
-         "a palette image cannot be filtered: convert it to 24-bit first"},
-        {"resize --size 0x2 " + in + " " + png, 2, "is not a size WxH"},
-        {"rotate --left --right " + in + " " + png, 2, ""},
-    };
-    for (const auto& c : cases) {
-        const ToolRun run = Vistrane(c.arguments);
-        EXPECT_EQ(run.exitCode, c.exitCode) << c.arguments << "\n" << run.err;
-        EXPECT_TRUE(Contains(run.err, c.message)) << c.arguments << "\n" << run.err;
-    }
-}
 
 TEST_F(CliLayer, HashColoursPaintAndPalettePicturesConvertToTrueColour) {
     ASSERT_EQ(

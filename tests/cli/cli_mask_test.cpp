@@ -166,42 +166,6 @@ TEST_F(CliTest, SelectGrowExtendsAMaskAtItsEdgeOpacity) {
     EXPECT_EQ(bytes, (std::vector<BYTE>{0, 0, 0, 80, 80, 0, 0, 80, 80, 0, 0, 80, 80, 80, 0}));
 }
 
-TEST_F(CliTest, SelectRefusesBadRequests) {
-    C_Image image;
-    Paint(image, kSplitField, kSplitLegend);
-    ASSERT_TRUE(SaveImageFile(Path("field.bmp"), image).ok);
-    C_Image small;
-    MakeMask(small, 2, 2, {0, 1, 0, 0});
-    ASSERT_TRUE(SaveImageFile(Path("small.png"), small).ok);
-    const std::string io = Quoted("field.bmp") + " " + Quoted("out.png");
-    const struct {
-        std::string arguments;
-        int exitCode;
-        const char* message;
-    } cases[] = {
-        {"select " + io, 2, "give exactly one of --at, --grow and --color"},
-        {"select --at 1,1 --color 000000 " + io, 2, "give exactly one of"},
-        {"select --at 1,1,1 " + io, 2, "'1,1,1' is not a point X,Y"},
-        {"select --at 5,0 " + io, 1, "the point 5,0 lies outside the 5 x 3 image"},
-        {"select --at -1,0 " + io, 1, "lies outside"},
-        {"select --at 0,0 --tolerance 256 " + io, 2, "'256' is not a tolerance from 0 to 255"},
-        {"select --at 0,0 --match lab " + io, 2, "--match takes rgb, hue, intensity or any"},
-        {"select --at 0,0 --value 0 " + io, 2, "'0' is not an opacity from 1 to 255"},
-        {"select --color 12345 " + io, 2, "'12345' is not a colour RRGGBB"},
-        {"select --grow 4 " + io, 2, "--grow needs the selection to grow (--mask)"},
-        {"select --at 0,0 --mask " + Quoted("small.png") + " " + io, 2, "--mask is only read"},
-        {"select --grow 4 --mask " + Quoted("small.png") + " " + io, 1,
-         "the mask must have the image's size, 5 x 3"},
-        {"select --grow 4 --mask " + Quoted("field.bmp") + " " + io, 1, "is not a selection mask"},
-        {"select --at 0,0 " + Quoted("field.bmp") + " out.gif", 2, "cannot tell the format"},
-    };
-    for (const auto& c : cases) {
-        const ToolRun run = Vistrane(c.arguments);
-        EXPECT_EQ(run.exitCode, c.exitCode) << c.arguments;
-        EXPECT_TRUE(Contains(run.err, c.message)) << c.arguments << "\n" << run.err;
-    }
-}
-
 class MaskCommandTest : public CliTest {
   protected:
     void SetUp() override {
@@ -254,38 +218,6 @@ TEST_F(MaskCommandTest, FeaturesAreReported) {
               "selected:  4\n"
               "bounds:    0,0 to 2,1 (3 x 2)\n"
               "opacity:   17 to 255, mean 143\n");  // (200 + 255 + 17 + 100) / 4 = 143
-}
-
-TEST_F(MaskCommandTest, RefusesBadRequests) {
-    C_Image other;
-    MakeMask(other, 2, 3, {1, 2, 3, 4, 5, 6});
-    ASSERT_TRUE(SaveImageFile(Path("tall.png"), other).ok);
-    C_Image colour;
-    ASSERT_TRUE(colour.Create(3, 2, 1, nullptr, 0));
-    ASSERT_TRUE(SaveImageFile(Path("colour.bmp"), colour).ok);
-    const std::string a = Quoted("a.png");
-    const std::string out = Quoted("out.png");
-    const struct {
-        std::string arguments;
-        int exitCode;
-        const char* message;
-    } cases[] = {
-        {"blur " + a + " " + out, 2, "unknown operation 'blur'"},
-        {"and " + a + " " + out, 2, "'and' takes 2 mask file(s) and an output file"},
-        {"features " + a + " " + out, 2, "'features' takes 1 mask file(s)"},
-        {"invert --level 3 " + a + " " + out, 2, "'--level' does not apply to 'invert'"},
-        {"threshold " + a + " " + out, 2, "threshold needs --level from 0 to 255"},
-        {"scale --max 0 " + a + " " + out, 2, "--max 1 to 255"},
-        {"and " + a + " " + Quoted("tall.png") + " " + out, 1,
-         "the masks differ in size: 3 x 2 and 2 x 3"},
-        {"invert " + Quoted("colour.bmp") + " " + out, 1, "is not a selection mask"},
-        {"invert " + Quoted("absent.png") + " " + out, 1, "No such file or directory"},
-    };
-    for (const auto& c : cases) {
-        const ToolRun run = Vistrane("mask " + c.arguments);
-        EXPECT_EQ(run.exitCode, c.exitCode) << c.arguments;
-        EXPECT_TRUE(Contains(run.err, c.message)) << c.arguments << "\n" << run.err;
-    }
 }
 
 }  // namespace

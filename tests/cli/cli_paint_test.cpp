@@ -7,7 +7,6 @@
 
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
-#include <vistrane/mask/mask_features.h>
 
 #include "cli/cli_support.h"
 #include "support/image_support.h"
@@ -141,27 +140,6 @@ TEST_F(CliTest, ShapeOnAPaletteImagePaintsTheNearestEntry) {
     EXPECT_TRUE(test::SamePixels(out, soft));
 }
 
-TEST_F(CliTest, ShapeRefusesBadRequests) {
-    SaveWhite(Path("white.bmp"), 4, 4);
-    const std::string io = Quoted("white.bmp") + " " + Quoted("out.png");
-    const struct {
-        std::string arguments;
-        const char* message;
-    } cases[] = {
-        {"--rect 0,0,2,2 " + io, "give the shape with --kind"},
-        {"--kind star --rect 0,0,2,2 " + io, "--kind takes rect, roundrect or ellipse, not 'star'"},
-        {"--kind rect " + io, "give the bounds with --rect L,T,R,B"},
-        {"--kind rect --rect 0,0,2 " + io, "'0,0,2' is not a rectangle L,T,R,B"},
-        {"--kind rect --rect 0,0,2,2 --pen 0 " + io, "'0' is not a pen width from 1 to 1000"},
-        {"--kind rect --rect 0,0,2,2 --color red " + io, "'red' is not a colour RRGGBB"},
-    };
-    for (const auto& c : cases) {
-        const ToolRun run = Vistrane("shape " + c.arguments);
-        EXPECT_EQ(run.exitCode, 2) << c.arguments;
-        EXPECT_TRUE(Contains(run.err, c.message)) << c.arguments << "\n" << run.err;
-    }
-}
-
 // A 3 x 2 source: red, green, blue over white, black, red.
 void SaveSource(const std::string& path) {
     C_Image source;
@@ -263,40 +241,6 @@ TEST_F(CliTest, BlitConvertsPaletteSourcesAndRefusesTrueColourIntoPalette) {
     const ToolRun size = Vistrane("blit --size 3 " + files);
     EXPECT_EQ(size.exitCode, 2);
     EXPECT_TRUE(Contains(size.err, "'3' is not a size WxH")) << size.err;
-}
-
-TEST_F(CliTest, DemoSelectsTheSkyAndPaintsShapes) {
-    const ToolRun run = Vistrane("demo '" + Path("demo") + "'");
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-    C_Image picture;
-    ASSERT_TRUE(Load(Path("demo/picture.png"), picture));
-    C_Image mask;
-    ASSERT_TRUE(Load(Path("demo/wand-mask.png"), mask));
-    ASSERT_TRUE(mask.IsMask());
-    ASSERT_TRUE(mask.SameDimensionsAs(&picture));
-    S_MaskFeatures features{};
-    mask.MaskExtractFeatures(&features);
-    // The sky: a real part of the picture, reaching its top edge, not all of it.
-    EXPECT_GT(features.m_NSelected, picture.Width() * picture.Height() / 20);
-    EXPECT_LT(features.m_NSelected, picture.Width() * picture.Height() / 2);
-    EXPECT_EQ(features.m_Top, 0);
-    EXPECT_EQ(features.m_MinOpacity, 255);
-
-    C_Image shown;
-    ASSERT_TRUE(Load(Path("demo/wand-selection.png"), shown));
-    EXPECT_NE(shown.GetPixelColorRef(700, 350), picture.GetPixelColorRef(700, 350));
-    C_Image shapes;
-    ASSERT_TRUE(Load(Path("demo/shapes.png"), shapes));
-    EXPECT_EQ(shapes.GetPixelColorRef(800, 900), RGB(30, 90, 200));  // inside the filled one
-    EXPECT_EQ(shapes.GetPixelColorRef(300, 850), picture.GetPixelColorRef(300, 850));
-    // The soft filled rectangle (100, 250)-(500, 550) in 240 grey: inside it the hard paint,
-    // beside its top edge a third of the paint over the picture, farther out the picture.
-    EXPECT_EQ(shapes.GetPixelColorRef(300, 400), RGB(240, 240, 240));
-    const unsigned long under = picture.GetPixelColorRef(300, 249);
-    auto blend = [](BYTE old) { return static_cast<BYTE>(old * 170 / 255 + 240 * 85 / 255); };
-    EXPECT_EQ(shapes.GetPixelColorRef(300, 249),
-              RGB(blend(GetRValue(under)), blend(GetGValue(under)), blend(GetBValue(under))));
-    EXPECT_EQ(shapes.GetPixelColorRef(300, 248), picture.GetPixelColorRef(300, 248));
 }
 
 }  // namespace

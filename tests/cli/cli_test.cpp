@@ -6,6 +6,8 @@
 
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
+#include <vistrane/mask/mask_features.h>
+#include <vistrane/path/point_path.h>
 #include <vistrane/version.h>
 
 #include "cli/cli_support.h"
@@ -20,21 +22,10 @@ using test::ReadText;
 using test::ToolRun;
 using test::Vistrane;
 
-TEST_F(CliTest, VersionAndHelp) {
+TEST_F(CliTest, Version) {
     const ToolRun version = Vistrane("--version");
     EXPECT_EQ(version.exitCode, 0);
     EXPECT_EQ(version.out, std::string("vistrane ") + VISTRANE_VERSION_STRING + "\n");
-
-    const ToolRun help = Vistrane("--help");
-    EXPECT_EQ(help.exitCode, 0);
-    for (const char* command : {"info", "convert", "crop", "border", "warp", "demo", "trace",
-                                "text", "path", "select", "mask", "shape", "blit", "tile"}) {
-        EXPECT_TRUE(Contains(help.out, command)) << command;
-        const ToolRun commandHelp = Vistrane(std::string(command) + " --help");
-        EXPECT_EQ(commandHelp.exitCode, 0) << command;
-        EXPECT_TRUE(Contains(commandHelp.out, std::string("Usage: vistrane ") + command))
-            << commandHelp.out;
-    }
 }
 
 TEST_F(CliTest, InfoDescribesTheImage) {
@@ -52,7 +43,7 @@ TEST_F(CliTest, InfoDescribesTheImage) {
     ASSERT_TRUE(mask.CreateMask(2, 2));
     ASSERT_TRUE(SaveImageFile(Path("mask.png"), mask).ok);
     const ToolRun maskRun = Vistrane("info '" + Path("mask.png") + "'");
-    EXPECT_TRUE(Contains(maskRun.out, "colours:   256\n")) << maskRun.out;
+    EXPECT_TRUE(Contains(maskRun.out, "colours:   256 table entries\n")) << maskRun.out;
     EXPECT_TRUE(Contains(maskRun.out, "grey mask: yes\n")) << maskRun.out;
 }
 
@@ -155,39 +146,13 @@ TEST_F(CliTest, PaletteDeleteRemapsToTheNearestColour) {
     EXPECT_EQ(*out.PixelPtr(2, 0), 1);
 }
 
-TEST_F(CliTest, FailuresExitNonZeroWithAMessage) {
-    const ToolRun missing = Vistrane("info '" + Path("absent.png") + "'");
-    EXPECT_EQ(missing.exitCode, 1);
-    EXPECT_TRUE(Contains(missing.err, "absent.png': No such file or directory")) << missing.err;
-
-    const ToolRun option = Vistrane("convert --frobnicate a.bmp b.png");
-    EXPECT_EQ(option.exitCode, 2);
-    EXPECT_TRUE(Contains(option.err, "unknown option '--frobnicate'")) << option.err;
-
-    const ToolRun flagValue = Vistrane("convert --grey=yes a.bmp b.png");
-    EXPECT_EQ(flagValue.exitCode, 2);
-    EXPECT_TRUE(Contains(flagValue.err, "'--grey' takes no value")) << flagValue.err;
-
-    const ToolRun arguments = Vistrane("convert only-one.bmp");
-    EXPECT_EQ(arguments.exitCode, 2);
-    EXPECT_TRUE(Contains(arguments.err, "missing arguments")) << arguments.err;
-
-    const ToolRun format = Vistrane("convert a.bmp b.jpg");
-    EXPECT_EQ(format.exitCode, 2);
-    EXPECT_TRUE(Contains(format.err, "cannot tell the format of 'b.jpg'")) << format.err;
-
-    const ToolRun command = Vistrane("frobnicate");
-    EXPECT_EQ(command.exitCode, 2);
-    EXPECT_TRUE(Contains(command.err, "unknown command 'frobnicate'")) << command.err;
-}
-
 // The pixel bytes of (x, y) as one number.
 unsigned PixelOf(const C_Image& image, int x, int y) {
     const BYTE* p = image.PixelPtr(x, y);
     return image.IsTrueColor() ? p[0] | p[1] << 8 | p[2] << 16 : p[0];
 }
 
-TEST_F(CliTest, CropKeepsTheRectangleAndRefusesOneOutside) {
+TEST_F(CliTest, CropKeepsTheRectangle) {
     C_Image image;
     ASSERT_TRUE(image.Create(9, 7, 1, nullptr, 0));
     test::FillRandomPixels(image, 4);
@@ -204,14 +169,6 @@ TEST_F(CliTest, CropKeepsTheRectangleAndRefusesOneOutside) {
             ASSERT_EQ(PixelOf(cropped, x, y), PixelOf(image, x + 2, y + 1)) << x << ", " << y;
         }
     }
-    const ToolRun outside =
-        Vistrane("crop --rect 20,0,5,5 '" + Path("in.bmp") + "' '" + Path("x.png") + "'");
-    EXPECT_EQ(outside.exitCode, 1);
-    EXPECT_TRUE(Contains(outside.err, "outside the 9 x 7 image")) << outside.err;
-    const ToolRun bad =
-        Vistrane("crop --rect 1,2,0,5 '" + Path("in.bmp") + "' '" + Path("x.png") + "'");
-    EXPECT_EQ(bad.exitCode, 2);
-    EXPECT_TRUE(Contains(bad.err, "is not a rectangle")) << bad.err;
 }
 
 TEST_F(CliTest, BorderFramesInTheGivenColour) {
@@ -235,17 +192,9 @@ TEST_F(CliTest, BorderFramesInTheGivenColour) {
                 << x << ", " << y;
         }
     }
-    const ToolRun color =
-        Vistrane("border --margins 2 --color red '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
-    EXPECT_EQ(color.exitCode, 2);
-    EXPECT_TRUE(Contains(color.err, "'red' is not a colour")) << color.err;
-    const ToolRun cut =
-        Vistrane("border --margins -2 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
-    EXPECT_EQ(cut.exitCode, 1);
-    EXPECT_TRUE(Contains(cut.err, "leave nothing")) << cut.err;
 }
 
-TEST_F(CliTest, WarpWithOwnCornersReproducesAndReportsDegenerateCorners) {
+TEST_F(CliTest, WarpWithOwnCornersReproduces) {
     C_Image image;
     ASSERT_TRUE(image.Create(12, 10, 1, nullptr, 0));
     test::FillRandomPixels(image, 21);
@@ -271,17 +220,9 @@ TEST_F(CliTest, WarpWithOwnCornersReproducesAndReportsDegenerateCorners) {
             ASSERT_EQ(PixelOf(warpedMask, x, y), 255u) << x << ", " << y;
         }
     }
-    const ToolRun degenerate =
-        Vistrane("warp --corners 0,0,5,0,0,0,0,5 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
-    EXPECT_EQ(degenerate.exitCode, 1);
-    EXPECT_TRUE(Contains(degenerate.err, "are degenerate")) << degenerate.err;
-    const ToolRun seven =
-        Vistrane("warp --corners 1,2,3,4,5,6,7 '" + Path("in.bmp") + "' '" + Path("x.bmp") + "'");
-    EXPECT_EQ(seven.exitCode, 2);
-    EXPECT_TRUE(Contains(seven.err, "is not eight whole numbers")) << seven.err;
 }
 
-TEST_F(CliTest, DemoWritesThePictureInBothFormats) {
+TEST_F(CliTest, DemoWritesEveryStepOfTheTour) {
     const ToolRun run = Vistrane("demo '" + Path("demo") + "'");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_TRUE(Contains(run.out, "render picture")) << run.out;
@@ -306,6 +247,54 @@ TEST_F(CliTest, DemoWritesThePictureInBothFormats) {
             ASSERT_EQ(PixelOf(tiled, x, y), PixelOf(tiled, x + 1440, y + 1080)) << x << ", " << y;
         }
     }
+    C_Image picture;
+    ASSERT_TRUE(LoadImageFile(Path("demo/picture.png"), picture).ok);
+    C_Image mask;
+    ASSERT_TRUE(LoadImageFile(Path("demo/wand-mask.png"), mask).ok);
+    ASSERT_TRUE(mask.IsMask());
+    ASSERT_TRUE(mask.SameDimensionsAs(&picture));
+    S_MaskFeatures features{};
+    mask.MaskExtractFeatures(&features);
+    // The sky: a real part of the picture, reaching its top edge, not all of it.
+    EXPECT_GT(features.m_NSelected, picture.Width() * picture.Height() / 20);
+    EXPECT_LT(features.m_NSelected, picture.Width() * picture.Height() / 2);
+    EXPECT_EQ(features.m_Top, 0);
+    EXPECT_EQ(features.m_MinOpacity, 255);
+
+    C_Image shown;
+    ASSERT_TRUE(LoadImageFile(Path("demo/wand-selection.png"), shown).ok);
+    EXPECT_NE(shown.GetPixelColorRef(700, 350), picture.GetPixelColorRef(700, 350));
+    C_Image shapes;
+    ASSERT_TRUE(LoadImageFile(Path("demo/shapes.png"), shapes).ok);
+    EXPECT_EQ(shapes.GetPixelColorRef(800, 900), RGB(30, 90, 200));  // inside the filled one
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 850), picture.GetPixelColorRef(300, 850));
+    // The soft filled rectangle (100, 250)-(500, 550) in 240 grey: inside it the hard paint,
+    // beside its top edge a third of the paint over the picture, farther out the picture.
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 400), RGB(240, 240, 240));
+    const unsigned long under = picture.GetPixelColorRef(300, 249);
+    auto blend = [](BYTE old) { return static_cast<BYTE>(old * 170 / 255 + 240 * 85 / 255); };
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 249),
+              RGB(blend(GetRValue(under)), blend(GetGValue(under)), blend(GetBValue(under))));
+    EXPECT_EQ(shapes.GetPixelColorRef(300, 248), picture.GetPixelColorRef(300, 248));
+    for (const char* name : {"sky", "text"}) {
+        C_PointPath path;
+        ASSERT_EQ(path.LoadFromFile(Path(std::string("demo/") + name + ".path").c_str(), 0), 1)
+            << name;
+        EXPECT_GT(path.GetNSubPaths(), 0) << name;
+        EXPECT_TRUE(Contains(ReadText(Path(std::string("demo/") + name + ".svg")), "<path "))
+            << name;
+    }
+    // Four panels a row, each with a caption band under it drawn in a light colour.
+    C_Image sheet;
+    ASSERT_TRUE(LoadImageFile(Path("demo/contact-sheet.png"), sheet).ok);
+    EXPECT_EQ(sheet.Width(), 1660);
+    int lit = 0;
+    for (long x = 12; x < 412; ++x) {
+        for (long y = 312; y < 342; ++y) {
+            lit += GetRValue(sheet.GetPixelColorRef(x, y)) > 150 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(lit, 40);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include <vistrane/version.h>
 
 #include "common/args.h"
-#include "common/commands.h"
+#include "commands/commands.h"
 
 namespace {
 

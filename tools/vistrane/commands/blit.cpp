@@ -5,7 +5,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 #include "common/values.h"
 
@@ -50,10 +50,7 @@ int RunBlit(const Subcommand& command, const ParsedArgs& args) {
     }
     unsigned long transparent = 0;
     if (args.Has("transparent") && !ParseColor(args.Value("transparent"), transparent)) {
-        return UsageError(command, Quote(args.Value("transparent")) + " is not a colour RRGGBB");
-    }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
+        return UsageError(command, ColorError(args.Value("transparent")));
     }
     C_Image destination;
     C_Image source;
@@ -92,7 +89,7 @@ constexpr OptionSpec kBlitOptions[] = {
     {"at", "X,Y", "where the copy lands in DEST; may be negative (default 0,0)"},
     {"from", "X,Y", "the copied area's top-left corner in SOURCE (default 0,0)"},
     {"size", "WxH", "the largest area copied (default: all of SOURCE from --from on)"},
-    {"transparent", "RRGGBB", "source pixels of this colour leave DEST as it is"},
+    {"transparent", "[#]RRGGBB", "source pixels of this colour leave DEST as it is"},
 };
 
 }  // namespace

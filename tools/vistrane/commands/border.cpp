@@ -1,13 +1,12 @@
 // vistrane border IN OUT --margins N|L,T,R,B [--color RRGGBB]
 
-#include <charconv>
 #include <string>
 #include <vector>
 
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 #include "common/values.h"
 
@@ -31,14 +30,16 @@ int RunBorder(const Subcommand& command, const ParsedArgs& args) {
     unsigned long color = 0;
     const std::string colorText = args.Value("color");
     if (args.Has("color") && !ParseColor(colorText, color)) {
-        return UsageError(command, Quote(colorText) + " is not a colour RRGGBB");
+        return UsageError(command, ColorError(colorText));
     }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
+    if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
+        return UsageError(command,
+                          "cannot tell the format of '" + output + "': name it .bmp or .png");
     }
     C_Image image;
-    if (const int failed = LoadInput(command, input, image)) {
-        return failed;
+    const ImageFileResult loaded = LoadImageFile(input, image);
+    if (!loaded.ok) {
+        return Failure(command, loaded.error);
     }
     if (args.Has("color")) {
         if (image.IsTrueColor()) {
@@ -61,7 +62,7 @@ int RunBorder(const Subcommand& command, const ParsedArgs& args) {
 
 constexpr OptionSpec kBorderOptions[] = {
     {"margins", "N|L,T,R,B", "border widths: one for every side, or left, top, right, bottom"},
-    {"color", "RRGGBB", "the border colour in hexadecimal (default: the background colour)"},
+    {"color", "[#]RRGGBB", "the border colour in hexadecimal (default: the background colour)"},
 };
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
 
@@ -58,9 +58,6 @@ int RunColor(const Subcommand& command, const ParsedArgs& args) {
         }
     }
     C_Image image;
-    if (const int refused = CheckOutputName(command, positionals[1])) {
-        return refused;
-    }
     if (const int failed = LoadInput(command, positionals[0], image)) {
         return failed;
     }
@@ -76,7 +73,7 @@ int RunColor(const Subcommand& command, const ParsedArgs& args) {
 }
 
 constexpr OptionSpec kColorOptions[] = {
-    {"mask", "FILE", "a picture of the same size whose grey levels say how strongly"},
+    {"mask", "FILE", "an 8-bit grey picture of the same size: how strongly each pixel changes"},
 };
 
 }  // namespace

@@ -1,11 +1,11 @@
-// vistrane convert IN OUT [--grey]: BMP and PNG in both directions.
+// vistrane convert IN OUT [--grey | --truecolor]: BMP and PNG in both directions.
 
 #include <string>
 
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 
 namespace vistrane::cli {
@@ -72,29 +72,27 @@ bool MakeTrueColor(C_Image& source, C_Image& colour) {
 int RunConvert(const Subcommand& command, const ParsedArgs& args) {
     const std::string& input = args.Positionals()[0];
     const std::string& output = args.Positionals()[1];
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
+    if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
+        return UsageError(command,
+                          "cannot tell the format of '" + output + "': name it .bmp or .png");
     }
     C_Image image;
-    if (const int failed = LoadInput(command, input, image)) {
-        return failed;
+    const ImageFileResult loaded = LoadImageFile(input, image);
+    if (!loaded.ok) {
+        return Failure(command, loaded.error);
     }
     if (args.Has("grey") && args.Has("truecolor")) {
         return UsageError(command, "--grey and --truecolor exclude each other");
     }
     C_Image converted;
     const bool convert = args.Has("grey") || args.Has("truecolor");
-    if (convert && !(args.Has("grey") ? MakeGrey(image, converted)
-                                      : MakeTrueColor(image, converted))) {
+    if (convert &&
+        !(args.Has("grey") ? MakeGrey(image, converted) : MakeTrueColor(image, converted))) {
         return Failure(command, "not enough memory for a picture of " +
                                     std::to_string(image.Width()) + " x " +
                                     std::to_string(image.Height()));
     }
-    const ImageFileResult saved = SaveImageFile(output, convert ? converted : image);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
-    }
-    return kExitSuccess;
+    return SaveOutput(command, output, convert ? converted : image);
 }
 
 constexpr OptionSpec kConvertOptions[] = {

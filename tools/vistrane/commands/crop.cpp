@@ -6,7 +6,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 
 namespace vistrane::cli {
@@ -24,9 +24,6 @@ int RunCrop(const Subcommand& command, const ParsedArgs& args) {
         values[3] < 1) {
         return UsageError(command,
                           "'" + rectText + "' is not a rectangle X,Y,W,H with W and H above 0");
-    }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
     }
     C_Image image;
     if (const int failed = LoadInput(command, input, image)) {

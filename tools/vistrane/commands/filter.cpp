@@ -9,7 +9,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
 
@@ -107,17 +107,17 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
     if (typeName != "gray" && typeName != "brightness" && typeName != "per-channel") {
         return UsageError(command, "--type is per-channel, gray or brightness");
     }
-    if (const int refused = CheckOutputName(command, args.Positionals()[1])) {
-        return refused;
-    }
     C_Image image;
     C_Image mask;
     bool hasMask = false;
     if (!LoadPictureAndMask(args, image, mask, hasMask, error)) {
         return Failure(command, error);
     }
+    // Greying a colour picture to filter it would be doing something else than asked.
     if (!image.CanEditTrueColor()) {
-        return Failure(command, "a palette image cannot be filtered: convert it to 24-bit first");
+        return Failure(command, "a palette image of " + std::to_string(image.NColors()) +
+                                    " colours cannot be filtered: convert it to 24-bit first "
+                                    "(vistrane convert --truecolor)");
     }
     int field[FILTER_KERNEL_TAPS];
     Centre(weights, field);
@@ -127,7 +127,9 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
                                        field, offset, divisor, type, nullptr, 0, 0);
     glb_ReleaseImageLUTs();
     if (done == 0) {
-        return Failure(command, "not enough memory to filter the image");
+        return Failure(command, "the filter could not run on this " +
+                                    std::to_string(image.Width()) + " x " +
+                                    std::to_string(image.Height()) + " picture");
     }
     return SaveOutput(command, args.Positionals()[1], image);
 }

@@ -5,8 +5,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
-#include "common/output_file.h"
+#include "commands/commands.h"
 
 namespace vistrane::cli {
 namespace {
@@ -18,16 +17,19 @@ int RunInfo(const Subcommand& command, const ParsedArgs& args) {
     if (!loaded.ok) {
         return Failure(command, loaded.error);
     }
-    // A 24-bit picture has no colour table; its colours are the distinct ones among the pixels.
-    unsigned long colours = image.NColors();
-    if (image.IsTrueColor() && !image.CountColors(&colours, nullptr)) {
-        return Failure(command, "not enough memory to count the colours");
-    }
     std::printf("file:      %s\n", path.c_str());
     std::printf("size:      %ld x %ld\n", image.Width(), image.Height());
     std::printf("depth:     %u bits (%s)\n", static_cast<unsigned>(image.BitCount()),
                 image.IsTrueColor() ? "true colour" : "colour table");
-    std::printf("colours:   %lu%s\n", colours, image.IsTrueColor() ? " (distinct)" : "");
+    if (image.IsTrueColor()) {
+        unsigned long distinct = 0;
+        if (image.CountColors(&distinct, nullptr) == 0) {
+            return Failure(command, "cannot count the colours of " + path);
+        }
+        std::printf("colours:   %lu distinct\n", distinct);
+    } else {
+        std::printf("colours:   %lu table entries\n", image.NColors());
+    }
     std::printf("grey mask: %s\n", image.IsMask() ? "yes" : "no");
     std::printf("bytes:     %lu\n", image.NBytesImage());
     if (loaded.alphaFlattened) {

@@ -10,7 +10,7 @@
 #include <vistrane/io/image_file.h>
 #include <vistrane/mask/mask_features.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
 #include "common/values.h"
@@ -102,11 +102,6 @@ int RunMask(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(command, "--min takes 0 to 255 and --max 1 to 255");
     }
     const std::string& output = positionals.back();
-    if (operation->writes) {
-        if (const int refused = CheckOutputName(command, output)) {
-            return refused;
-        }
-    }
 
     C_Image masks[2];
     for (std::size_t i = 0; i < operation->masks; ++i) {

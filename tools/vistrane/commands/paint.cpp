@@ -7,7 +7,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
 #include "common/values.h"
@@ -18,7 +18,7 @@ namespace {
 int RunPaint(const Subcommand& command, const ParsedArgs& args) {
     unsigned long colour = 0;
     if (!ParseColor(args.Value("color", "000000"), colour)) {
-        return UsageError(command, Quote(args.Value("color")) + " is not a colour RRGGBB");
+        return UsageError(command, ColorError(args.Value("color")));
     }
     int opacity = 255, option = 50;
     std::string error;
@@ -33,14 +33,22 @@ int RunPaint(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(
             command, "unknown mode '" + args.Value("mode") + "'; modes are " + BlendModeNames());
     }
-    if (const int refused = CheckOutputName(command, args.Positionals()[1])) {
-        return refused;
+    // The filter modes and smudge take their source from a neighbourhood or a stroke, which a
+    // flat fill has not; they would paint as normal.
+    if (mode >= BLENDMODE_FILTER1) {
+        return UsageError(command, "--mode " + args.Value("mode") +
+                                       " needs a brush stroke and has no meaning for paint");
     }
     C_Image image;
     C_Image mask;
     bool hasMask = false;
     if (!LoadPictureAndMask(args, image, mask, hasMask, error)) {
         return Failure(command, error);
+    }
+    // A grey or palette picture has no saturation to move: the mode would act as normal.
+    if ((mode == BLENDMODE_SATURATE || mode == BLENDMODE_DESATURATE) && !image.IsTrueColor()) {
+        return UsageError(command, "--mode " + args.Value("mode") +
+                                       " needs a 24-bit picture, not a grey or palette one");
     }
     if (image.IsTrueColor()) {
         image.SetForeTrueColor(colour);
@@ -59,7 +67,7 @@ int RunPaint(const Subcommand& command, const ParsedArgs& args) {
 }
 
 constexpr OptionSpec kPaintOptions[] = {
-    {"color", "RRGGBB", "the colour (default 000000)"},
+    {"color", "[#]RRGGBB", "the colour (default 000000)"},
     {"mode", "MODE", "blend mode (default normal)"},
     {"opacity", "0..255", "strength (default 255)"},
     {"option", "0..100", "the dissolve percentage (default 50; 100 acts as 50)"},

@@ -7,7 +7,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
 
@@ -28,9 +28,6 @@ int RunPalette(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(command, error);
     }
     C_Image image;
-    if (const int refused = CheckOutputName(command, positionals[1])) {
-        return refused;
-    }
     if (const int failed = LoadInput(command, positionals[0], image)) {
         return failed;
     }

@@ -7,7 +7,7 @@
 #include <vistrane/path/path_svg.h>
 #include <vistrane/path/point_path.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/path_output.h"
 
 namespace vistrane::cli {

@@ -6,7 +6,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 
 namespace vistrane::cli {
@@ -37,9 +37,6 @@ int RunResize(const Subcommand& command, const ParsedArgs& args) {
     long height = 0;
     if (!ParseSize(sizeText, width, height)) {
         return UsageError(command, "'" + sizeText + "' is not a size WxH (1 to 65535 each)");
-    }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
     }
     C_Image image;
     if (const int failed = LoadInput(command, input, image)) {

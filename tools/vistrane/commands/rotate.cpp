@@ -7,7 +7,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 
 namespace vistrane::cli {
@@ -33,9 +33,6 @@ int RunRotate(const Subcommand& command, const ParsedArgs& args) {
     const std::string flip = args.Value("flip");
     if (args.Has("flip") && flip != "h" && flip != "v") {
         return UsageError(command, "--flip takes h or v, not '" + flip + "'");
-    }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
     }
     C_Image image;
     if (const int failed = LoadInput(command, input, image)) {

@@ -6,8 +6,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
-#include "common/edit_options.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 #include "common/values.h"
 
@@ -50,20 +49,22 @@ int RunSelect(const Subcommand& command, const ParsedArgs& args) {
     }
     unsigned long colour = 0;
     if (args.Has("color") && !ParseColor(args.Value("color"), colour)) {
-        return UsageError(command, Quote(args.Value("color")) + " is not a colour RRGGBB");
+        return UsageError(command, ColorError(args.Value("color")));
     }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
+    if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
+        return UsageError(command,
+                          "cannot tell the format of " + Quote(output) + ": name it .bmp or .png");
     }
 
     C_Image image;
-    if (const int failed = LoadInput(command, input, image)) {
-        return failed;
+    const ImageFileResult loaded = LoadImageFile(input, image);
+    if (!loaded.ok) {
+        return Failure(command, loaded.error);
     }
     C_Image mask;
     if (args.Has("grow")) {
-        bool hasMask = false;
-        if (std::string problem; !LoadMaskOption(args, image, mask, hasMask, problem)) {
+        const std::string problem = LoadMaskFor(args.Value("mask"), image, mask);
+        if (!problem.empty()) {
             return Failure(command, problem);
         }
     } else if (!mask.CreateMask(image.Width(), image.Height())) {
@@ -96,7 +97,7 @@ constexpr OptionSpec kSelectOptions[] = {
     {"at", "X,Y", "magic wand: the region 4-connected to pixel (X, Y) alike its colour"},
     {"grow", "T", "grow the selection given with --mask by tolerance T"},
     {"mask", "MASK", "the selection to grow (an 8-bit grey image of IN's size)"},
-    {"color", "RRGGBB", "every pixel alike this colour, connected or not"},
+    {"color", "[#]RRGGBB", "every pixel alike this colour, connected or not"},
     {"tolerance", "T", "how far a colour may be from the reference, 0 to 255 (default 32)"},
     {"match", "MODE", "rgb (each channel), hue, intensity or any (default rgb)"},
     {"value", "V", "opacity of the selected pixels, 1 to 255 (default 255)"},

@@ -7,7 +7,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 #include "common/values.h"
 
@@ -39,14 +39,11 @@ int RunShape(const Subcommand& command, const ParsedArgs& args) {
     }
     unsigned long colour = 0;
     if (!ParseColor(args.Value("color", "000000"), colour)) {
-        return UsageError(command, Quote(args.Value("color")) + " is not a colour RRGGBB");
+        return UsageError(command, ColorError(args.Value("color")));
     }
     long penWidth = 1;
     if (!ParseNumber(args.Value("pen", "1"), 1, 1000, penWidth)) {
         return UsageError(command, Quote(args.Value("pen")) + " is not a pen width from 1 to 1000");
-    }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
     }
     C_Image image;
     if (const int failed = LoadInput(command, input, image)) {
@@ -78,12 +75,10 @@ int RunShape(const Subcommand& command, const ParsedArgs& args) {
 constexpr OptionSpec kShapeOptions[] = {
     {"kind", "KIND", "rect, roundrect or ellipse"},
     {"rect", "L,T,R,B", "the bounds; right and bottom are outside the shape"},
-    {"color", "RRGGBB", "the paint colour (default 000000); the nearest entry on 8-bit images"},
+    {"color", "[#]RRGGBB", "the paint colour (default 000000); the nearest entry on 8-bit images"},
     {"pen", "W", "outline width in pixels, centred on the bounds, 1 to 1000 (default 1)"},
     {"filled", nullptr, "fill the inside too (else it is left as it is)"},
-    {"soft", nullptr,
-     "add an anti-aliased one-pixel fringe (24-bit and grey images; other 8-bit images get the "
-     "hard shape)"},
+    {"soft", nullptr, "an anti-aliased one-pixel fringe (24-bit and grey images only)"},
 };
 
 }  // namespace

@@ -3,16 +3,37 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 #include "common/edit_options.h"
 
 namespace vistrane::cli {
 namespace {
+
+// Distinct colours (24-bit) or table indices among the pixels the mask selects at all.
+unsigned long CountColorsUnderMask(const C_Image& image, const C_Image& mask) {
+    std::vector<bool> seen(1UL << 24);
+    unsigned long count = 0;
+    for (long y = 0; y < image.Height(); ++y) {
+        for (long x = 0; x < image.Width(); ++x) {
+            if (mask.GetPixelPalInd(x, y) == 0) {
+                continue;
+            }
+            const unsigned long key = image.IsTrueColor() ? image.GetPixelColorRef(x, y) & 0xFFFFFF
+                                                          : image.GetPixelPalInd(x, y);
+            if (!seen[key]) {
+                seen[key] = true;
+                ++count;
+            }
+        }
+    }
+    return count;
+}
 
 int RunStats(const Subcommand& command, const ParsedArgs& args) {
     C_Image image;
@@ -30,7 +51,9 @@ int RunStats(const Subcommand& command, const ParsedArgs& args) {
     const unsigned long average = image.CalcAverageColor(hasMask ? &mask : nullptr);
     unsigned long distinct = 0;
     unsigned long usage[256];
-    if (image.CountColors(&distinct, usage) == 0) {
+    if (hasMask) {
+        distinct = CountColorsUnderMask(image, mask);
+    } else if (image.CountColors(&distinct, usage) == 0) {
         return Failure(command, "not enough memory to count the colours");
     }
     std::printf("size             %ld x %ld, %d bits\n", image.Width(), image.Height(),

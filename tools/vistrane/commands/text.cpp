@@ -3,13 +3,18 @@
 #include <charconv>
 #include <cstdio>
 #include <string>
+#include <vector>
+
+#include <unistd.h>
 
 #include <vistrane/path/point_path.h>
 #include <vistrane/platform/font.h>
 #include <vistrane/platform/text.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
+#include "common/font_families.h"
 #include "common/path_output.h"
+#include "common/values.h"
 
 namespace vistrane::cli {
 namespace {
@@ -26,6 +31,17 @@ int RunText(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(command, "'" + sizeText + "' is not a pixel size from 1 to 4096");
     }
     const std::string family = args.Value("font");
+    if (access(family.c_str(), R_OK) != 0) {
+        const std::vector<std::string> installed = InstalledFontFamilies();
+        if (!HasFamily(family, installed)) {
+            const std::vector<std::string> close = CloseFamilies(family, installed);
+            std::string message = "no installed font family is called " + Quote(family);
+            for (std::size_t i = 0; i < close.size(); ++i) {
+                message += (i == 0 ? "; close: " : ", ") + Quote(close[i]);
+            }
+            return Failure(command, message);
+        }
+    }
     CFont font;
     if (!font.CreateFont(family.c_str(), pixelSize)) {
         return Failure(command, "no font file or installed family matches '" + family + "'");
@@ -58,8 +74,8 @@ const Subcommand kTextCommand = {
     "set a line of text in a font and write its outlines as a path",
     "Sets TEXT (UTF-8) in the font with the text cell's top-left corner at (0, 0) and writes\n"
     "the glyph outlines, lines and cubic curves as the font draws them, to the path file (and\n"
-    "as SVG with --svg). A family name is resolved through fontconfig to the best installed\n"
-    "match. Prints the counts and the bounds.",
+    "as SVG with --svg). A family name must be installed (fc-list : family shows them); one\n"
+    "that is not is refused with the names that come close. Prints the counts and the bounds.",
     kTextOptions,
     1,
     1,

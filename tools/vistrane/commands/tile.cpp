@@ -6,7 +6,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
 
@@ -35,9 +35,6 @@ int RunTile(const Subcommand& command, const ParsedArgs& args) {
     std::string error;
     if (!ParseInt(args.Value("percent"), 1, 99, "--percent", percent, error)) {
         return UsageError(command, error);
-    }
-    if (const int refused = CheckOutputName(command, output)) {
-        return refused;
     }
     C_Image image;
     if (const int failed = LoadInput(command, input, image)) {

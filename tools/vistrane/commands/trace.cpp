@@ -9,7 +9,7 @@
 #include <vistrane/io/image_file.h>
 #include <vistrane/path/point_path.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 #include "common/path_output.h"
 
@@ -68,8 +68,8 @@ int RunTrace(const Subcommand& command, const ParsedArgs& args) {
         return UsageError(command, message);
     }
     if (tolerance < 0.5 || tolerance > 10.0) {
-        std::fprintf(stderr, "vistrane trace: tolerance %g is outside 0.5 to 10; using %g\n",
-                     tolerance, tolerance < 0.5 ? 0.5 : 10.0);
+        return UsageError(
+            command, "--tolerance " + args.Value("tolerance") + " is outside 0.5 to 10 pixels");
     }
     C_Image image;
     if (const int failed = LoadInput(command, input, image)) {

@@ -6,8 +6,7 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
-#include "common/edit_options.h"
+#include "commands/commands.h"
 #include "common/output_file.h"
 
 namespace vistrane::cli {
@@ -38,17 +37,21 @@ int RunWarp(const Subcommand& command, const ParsedArgs& args) {
         }
     }
     C_Image image;
-    if (const int failed = LoadInput(command, input, image)) {
-        return failed;
+    const ImageFileResult loaded = LoadImageFile(input, image);
+    if (!loaded.ok) {
+        return Failure(command, loaded.error);
     }
     C_Image mask;
     CRect whole;
     image.Rectangle(&whole);
     CRect* sourceRect = &whole;
     if (args.Has("mask")) {
-        bool hasMask = false;
-        if (std::string problem; !LoadMaskOption(args, image, mask, hasMask, problem)) {
-            return Failure(command, problem);
+        const ImageFileResult maskLoaded = LoadImageFile(args.Value("mask"), mask);
+        if (!maskLoaded.ok) {
+            return Failure(command, maskLoaded.error);
+        }
+        if (!mask.IsMask() || !mask.SameDimensionsAs(&image)) {
+            return Failure(command, "the mask must be a grey image of the same size as the input");
         }
         // The selection's bounds become the source rectangle.
         sourceRect = nullptr;
@@ -74,9 +77,8 @@ int RunWarp(const Subcommand& command, const ParsedArgs& args) {
         case FREEXFORM_NOSELECTION:
             return Failure(command, "the mask selects nothing");
     }
-    const ImageFileResult saved = SaveImageFile(output, warped);
-    if (!saved.ok) {
-        return Failure(command, saved.error);
+    if (const int saved = SaveOutput(command, output, warped); saved != kExitSuccess) {
+        return saved;
     }
     if (!maskOut.empty()) {
         const ImageFileResult maskSaved = SaveImageFile(maskOut, warpedMask);

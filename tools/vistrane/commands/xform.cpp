@@ -14,10 +14,9 @@
 #include <vistrane/image/image.h>
 #include <vistrane/io/image_file.h>
 
-#include "common/commands.h"
-#include "common/edit_options.h"
-#include "common/output_file.h"
+#include "commands/commands.h"
 #include "common/frame_output.h"
+#include "common/output_file.h"
 #include "common/values.h"
 
 namespace vistrane::cli {
@@ -170,12 +169,39 @@ std::string ParseScript(const ParsedArgs& args, std::vector<ScriptStep>& steps) 
     return {};
 }
 
+// What one drag did to the frame, so that a drag the frame read differently from what the
+// user meant (a centre drag on a small selection, a start off every handle) is not silent.
+void ReportDrag(int number, const CPoint* before, const CPoint* after) {
+    const CPoint shift = after[FXF_TopLeft] - before[FXF_TopLeft];
+    bool moved = true;
+    bool changed = false;
+    for (int k = FXF_TopLeft; k < FXF_CloneVertex; k += 2) {
+        moved = moved && after[k] - before[k] == shift;
+        changed = changed || after[k] != before[k];
+    }
+    if (!changed) {
+        std::printf("drag %d: changed nothing (it started off every handle or did not move)\n",
+                    number);
+    } else if (moved) {
+        std::printf("drag %d: moved the frame by %d,%d\n", number, shift.x, shift.y);
+    } else {
+        std::printf("drag %d: reshaped the frame\n", number);
+    }
+}
+
 void RunScript(C_FreeXFormFrame& frame, const std::vector<ScriptStep>& steps) {
+    int drags = 0;
     for (const ScriptStep& step : steps) {
         switch (step.kind) {
-            case ScriptStep::Kind::Drag:
+            case ScriptStep::Kind::Drag: {
+                CPoint before[C_FreeXFormFrame::kPointCount];
+                CPoint after[C_FreeXFormFrame::kPointCount];
+                frame.GetDrawPoints(before);
                 RunDrag(frame, step.drag);
+                frame.GetDrawPoints(after);
+                ReportDrag(++drags, before, after);
                 break;
+            }
             case ScriptStep::Kind::Numeric:
                 frame.SetNumericParams(&step.numeric);
                 break;
@@ -208,6 +234,7 @@ std::string SaveAll(C_Image& result, C_Image& resultMask, const ParsedArgs& args
     if (!saved.ok) {
         return saved.error;
     }
+    ReportWritten(args.Positionals()[1], result);
     if (args.Has("mask-out")) {
         const ImageFileResult maskSaved = SaveImageFile(args.Value("mask-out"), resultMask);
         if (!maskSaved.ok) {
@@ -238,8 +265,8 @@ int RunXForm(const Subcommand& command, const ParsedArgs& args) {
     for (const auto& [name, colour] :
          {std::pair{"fill", &options.fill}, std::pair{"colour", &frameColour}}) {
         if (args.Has(name) && !ParseColor(args.Value(name), *colour)) {
-            return UsageError(command, Quote(args.Value(name)) + " given to --" + name +
-                                           " is not a colour RRGGBB");
+            return UsageError(command,
+                              "--" + std::string(name) + ": " + ColorError(args.Value(name)));
         }
     }
     for (const char* name : {"mask-out", "overlay"}) {
@@ -255,13 +282,14 @@ int RunXForm(const Subcommand& command, const ParsedArgs& args) {
     }
 
     C_Image picture;
-    if (const int failed = LoadInput(command, args.Positionals()[0], picture)) {
-        return failed;
+    const ImageFileResult loaded = LoadImageFile(args.Positionals()[0], picture);
+    if (!loaded.ok) {
+        return Failure(command, loaded.error);
     }
     C_Image mask;
     if (args.Has("mask")) {
-        bool hasMask = false;
-        if (std::string problem; !LoadMaskOption(args, picture, mask, hasMask, problem)) {
+        if (const std::string problem = LoadMaskFor(args.Value("mask"), picture, mask);
+            !problem.empty()) {
             return Failure(command, problem);
         }
     } else if (!mask.CreateMask(picture.Width(), picture.Height())) {
@@ -313,10 +341,10 @@ constexpr OptionSpec kXFormOptions[] = {
     {"undo", "N", "undo N steps (1 to 1000; stops when nothing is left)"},
     {"redo", "N", "redo N undone steps"},
     {"overlay", "FILE", "also write OUT with the frame drawn on it"},
-    {"colour", "RRGGBB", "the frame's colour in --overlay (default FF00FF)"},
+    {"colour", "[#]RRGGBB", "the frame's colour in --overlay (default FF00FF)"},
     {"mask-out", "FILE", "also write the selection after the transform"},
     {"keep", nullptr, "leave the original pixels in place (a transformed copy)"},
-    {"fill", "RRGGBB", "what the vacated selection becomes (default FFFFFF)"},
+    {"fill", "[#]RRGGBB", "what the vacated selection becomes (default FFFFFF)"},
     {"nearest", nullptr, "copy the nearest pixel instead of interpolating"},
 };
 

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstdio>
 
+#include "common/output_file.h"
+
 namespace vistrane::cli {
 
 std::string ParsedArgs::Value(std::string_view option, const std::string& fallback) const {
@@ -25,6 +27,22 @@ bool ParseArgs(std::span<char* const> arguments, std::span<const OptionSpec> opt
         }
         if (argument == "-h" || argument == "--help") {
             parsed.m_Help = true;
+            continue;
+        }
+        if (argument == "-q" || argument == "--quiet") {
+            parsed.m_Quiet = true;
+            continue;
+        }
+        if (argument.starts_with("--format=")) {
+            parsed.m_Format = argument.substr(9);
+            continue;
+        }
+        if (argument == "--format") {
+            if (i + 1 == arguments.size()) {
+                error = "option '--format' needs a value (png or bmp)";
+                return false;
+            }
+            parsed.m_Format = arguments[++i];
             continue;
         }
         if (argument.substr(0, 2) != "--") {
@@ -79,7 +97,17 @@ void PrintSubcommandHelp(const Subcommand& command) {
         }
         std::printf("  %-20s %s\n", left.c_str(), option.help);
     }
+    const bool writes = std::string_view(command.arguments).find("OUT") != std::string_view::npos;
+    if (writes) {
+        std::printf("  %-20s %s\n", "--format png|bmp",
+                    "the format when OUT is - (standard output; default png)");
+        std::printf("  %-20s %s\n", "-q, --quiet", "do not report what was written");
+    }
     std::printf("  %-20s %s\n", "-h, --help", "show this help and exit");
+    if (writes) {
+        std::printf(
+            "\nAn input file may be - for standard input, and OUT - for standard output.\n");
+    }
 }
 
 int UsageError(const Subcommand& command, const std::string& message) {
@@ -111,7 +139,7 @@ int RunSubcommand(const Subcommand& command, std::span<char* const> arguments) {
         return UsageError(
             command, "unexpected argument '" + parsed.Positionals()[command.maxPositionals] + "'");
     }
-    return command.run(command, parsed);
+    return RunWithFiles(command, parsed);
 }
 
 bool ParseIntegerList(const std::string& text, long limit, std::vector<long>& values) {

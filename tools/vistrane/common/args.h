@@ -31,6 +31,14 @@ struct OptionSpec {
 class ParsedArgs {
   public:
     bool Help() const { return m_Help; }
+    // -q or --quiet: no report of what was written.
+    bool Quiet() const { return m_Quiet; }
+    // --format png|bmp for "-" as the output; empty when not given.
+    const std::string& Format() const { return m_Format; }
+    // Stands a spooled file in for "-" among the positional arguments.
+    void ReplacePositional(std::size_t index, std::string path) {
+        m_Positionals[index] = std::move(path);
+    }
     const std::vector<std::string>& Positionals() const { return m_Positionals; }
     bool Has(std::string_view option) const { return m_Options.find(option) != m_Options.end(); }
     // The value given to an option, or `fallback` when it was not given.
@@ -45,6 +53,8 @@ class ParsedArgs {
                           std::string&);
 
     bool m_Help = false;
+    bool m_Quiet = false;
+    std::string m_Format;
     std::vector<std::string> m_Positionals;
     std::map<std::string, std::string, std::less<>> m_Options;
     std::vector<std::pair<std::string, std::string>> m_Occurrences;

@@ -1,11 +1,11 @@
 #include "common/edit_options.h"
 
-#include "common/values.h"
-
 #include <vistrane/io/image_file.h>
 
 #include <algorithm>
 #include <charconv>
+
+#include "common/values.h"
 
 namespace vistrane::cli {
 namespace {
@@ -65,11 +65,7 @@ bool LoadMaskOption(const ParsedArgs& args, C_Image& image, C_Image& mask, bool&
     if (!hasMask) {
         return true;
     }
-    error = LoadMaskFile(args.Value("mask"), mask);
-    if (error.empty() && !mask.SameDimensionsAs(&image)) {
-        error = "the mask must have the image's size, " + std::to_string(image.Width()) + " x " +
-                std::to_string(image.Height());
-    }
+    error = LoadMaskFor(args.Value("mask"), image, mask);
     return error.empty();
 }
 

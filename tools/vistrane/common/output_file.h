@@ -1,8 +1,8 @@
 #pragma once
 
-// The first and last steps of every subcommand that reads a picture and writes one: the output
-// name is checked and the input loaded before any work, and the result is written where the
-// user asked. Each returns kExitSuccess to go on, or the exit code after its message.
+// The files every subcommand reads and writes, handled in one place: names are checked and
+// "-" (standard input or output) is spooled before the command does any work, and what was
+// written is reported after it.
 
 #include <string>
 
@@ -12,11 +12,17 @@ class C_Image;
 
 namespace vistrane::cli {
 
-// A name whose extension the tool cannot write (.bmp and .png) is a usage error.
-int CheckOutputName(const Subcommand& command, const std::string& path);
-// Loads the picture, or reports why it cannot be read.
+// Checks the output name (.bmp or .png, or "-"), makes the input files readable (spooling "-"
+// from standard input), runs the command, and copies a "-" output to standard output.
+int RunWithFiles(const Subcommand& command, ParsedArgs& args);
+
+// Loads the input picture, or reports on stderr why it cannot be read.
 int LoadInput(const Subcommand& command, const std::string& path, C_Image& image);
-// Saves the image by the path's extension.
+// Saves the image by the path's extension and reports it; kExitSuccess, or the failure
+// reported on stderr.
 int SaveOutput(const Subcommand& command, const std::string& path, C_Image& image);
+// "wrote NAME (W x H, N-bit) in T s" on stdout (stderr when the picture itself went to
+// stdout), unless -q was given.
+void ReportWritten(const std::string& path, const C_Image& image);
 
 }  // namespace vistrane::cli

@@ -57,7 +57,7 @@ bool ParseRect(const std::string& text, CRect& rect) {
     return true;
 }
 
-bool ParseColor(const std::string& text, unsigned long& colorRef) {
+bool ParseColor(std::string_view text, unsigned long& colorRef) {
     const std::size_t start = !text.empty() && text[0] == '#' ? 1 : 0;
     if (text.size() != start + 6) {
         return false;
@@ -89,6 +89,10 @@ bool ParseMatchMode(const std::string& text, COLOR_MATCH_MODE& mode) {
     return true;
 }
 
+std::string ColorError(const std::string& text) {
+    return Quote(text) + " is not a colour: give six hex digits RRGGBB or #RRGGBB";
+}
+
 std::string Quote(const std::string& text) {
     std::string quoted = "'";
     quoted += text;
@@ -103,6 +107,18 @@ std::string LoadMaskFile(const std::string& path, C_Image& mask) {
     }
     if (!mask.IsMask()) {
         return Quote(path) + " is not a selection mask (an 8-bit grey image)";
+    }
+    return {};
+}
+
+std::string LoadMaskFor(const std::string& path, const C_Image& picture, C_Image& mask) {
+    if (std::string problem = LoadMaskFile(path, mask); !problem.empty()) {
+        return problem;
+    }
+    if (mask.Width() != picture.Width() || mask.Height() != picture.Height()) {
+        return "the mask is " + std::to_string(mask.Width()) + " x " +
+               std::to_string(mask.Height()) + ", the image " + std::to_string(picture.Width()) +
+               " x " + std::to_string(picture.Height()) + ": a mask must have the image's size";
     }
     return {};
 }

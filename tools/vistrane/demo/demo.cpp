@@ -15,7 +15,7 @@
 #include <vistrane/platform/font.h>
 #include <vistrane/platform/text.h>
 
-#include "common/commands.h"
+#include "commands/commands.h"
 #include "demo/contact_sheet.h"
 #include "demo/demo_picture.h"
 #include "common/edit_options.h"
@@ -29,6 +29,7 @@ struct DemoContext {
     std::filesystem::path directory;
     C_Image picture;
     C_Image wandMask;
+    C_Image outlines;  // the picture with the traced and text outlines drawn over it
     std::vector<std::string> written;
 };
 
@@ -127,19 +128,29 @@ std::string HueShift(DemoContext& context) {
     return SaveInto(context, image, "color-hsv.png");
 }
 
-// One horizontal band per blend mode, top to bottom in mode order, each painted orange.
+// One labelled horizontal band per blend mode that a flat paint can show, top to bottom in
+// mode order, each painted orange. The filter modes and smudge need a brush stroke and would
+// only repeat normal.
 std::string BlendModeStrip(DemoContext& context) {
     C_Image image;
     if (image.Clone(&context.picture) == 0) {
         return "cannot copy the picture";
     }
+    CFont font;
+    if (!CreateCaptionFont(font)) {
+        return "no font for the band labels";
+    }
     image.SetForeTrueColor(RGB(255, 140, 0));
-    const long band = image.Height() / (BLENDMODE_SMUDGE + 1);
-    for (int mode = 0; mode <= BLENDMODE_SMUDGE; ++mode) {
+    const long band = image.Height() / BLENDMODE_FILTER1;
+    for (int mode = 0; mode < BLENDMODE_FILTER1; ++mode) {
         const CRect rect(0, mode * band, image.Width(), (mode + 1) * band);
         if (image.PaintMasked(PAINT_COLORS_FORE, static_cast<BLENDMODES>(mode), 50, 255, nullptr,
                               &rect) == 0) {
             return std::string("painting in mode ") + BlendModeName(mode) + " failed";
+        }
+        if (!DrawCaption(image, font, 12, mode * band + (band - 20) / 2, BlendModeName(mode),
+                         140)) {
+            return std::string("cannot label the band of ") + BlendModeName(mode);
         }
     }
     return SaveInto(context, image, "blend-modes.png");
@@ -202,6 +213,10 @@ std::string TraceSkySelection(DemoContext& context) {
     if (!path.CreateFromMask(&mask, CSize(), 1.0, 0)) {
         return "the selection has no outline";
     }
+    if (!context.outlines.Clone(&context.picture) ||
+        !DrawPathOutline(context.outlines, path, RGB(255, 40, 200))) {
+        return "cannot draw the traced outline over the picture";
+    }
     return WritePath(context, path, "sky");
 }
 
@@ -214,6 +229,13 @@ std::string OutlineText(DemoContext& context) {
     C_PointPath path;
     if (!path.CreateFromText(text, &font, CPoint(40, 40), 0)) {
         return "the text cannot be outlined";
+    }
+    if (!DrawPathOutline(context.outlines, path, RGB(255, 230, 0))) {
+        return "cannot draw the text outline over the picture";
+    }
+    if (const std::string failure = SaveInto(context, context.outlines, "outlines.png");
+        !failure.empty()) {
+        return failure;
     }
     return WritePath(context, path, "text");
 }
