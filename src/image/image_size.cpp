@@ -26,10 +26,11 @@ std::optional<long long> PaddedRowBytes(long width, int bits) {
 
 std::optional<DWORD> BitmapBytes(long width, long height, int bits, long long extraBytes) {
     const auto row = PaddedRowBytes(width, bits);
-    if (!row || height < 1 || height > kMaxSizeField) {
+    // A header may claim any bit count, so the row itself can exceed a size field.
+    if (!row || *row > kMaxSizeField || height < 1 || height > kMaxSizeField) {
         return std::nullopt;
     }
-    // Both factors are below 2^31 + 4, so the product cannot overflow 64 bits.
+    // Both factors are below 2^31, so the product cannot overflow 64 bits.
     return Fitting(*row * height + extraBytes);
 }
 
