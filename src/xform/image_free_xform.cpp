@@ -5,8 +5,8 @@
 #include <vistrane/image/image.h>
 
 #include "image/pixel_view.h"
-#include "xform/free_xform.h"
 #include "image/temporary_image.h"
+#include "xform/free_xform.h"
 
 using vistrane::image::AsConst;
 using vistrane::image::ViewOf;

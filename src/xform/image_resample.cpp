@@ -4,8 +4,8 @@
 #include <vistrane/platform/dc.h>
 
 #include "image/pixel_view.h"
-#include "xform/resample.h"
 #include "image/temporary_image.h"
+#include "xform/resample.h"
 
 using vistrane::image::AsConst;
 using vistrane::image::ConstPixelView;

@@ -3,8 +3,8 @@
 #include <vistrane/image/image.h>
 
 #include "image/pixel_view.h"
-#include "xform/rotate.h"
 #include "image/temporary_image.h"
+#include "xform/rotate.h"
 
 using vistrane::image::AsConst;
 using vistrane::image::ViewOf;

@@ -7,8 +7,8 @@
 #include <vistrane/image/image.h>
 #include <vistrane/version.h>
 
-#include "common/args.h"
 #include "commands/commands.h"
+#include "common/args.h"
 
 namespace {
 

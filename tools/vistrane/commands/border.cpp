@@ -32,14 +32,9 @@ int RunBorder(const Subcommand& command, const ParsedArgs& args) {
     if (args.Has("color") && !ParseColor(colorText, color)) {
         return UsageError(command, ColorError(colorText));
     }
-    if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
-        return UsageError(command,
-                          "cannot tell the format of '" + output + "': name it .bmp or .png");
-    }
     C_Image image;
-    const ImageFileResult loaded = LoadImageFile(input, image);
-    if (!loaded.ok) {
-        return Failure(command, loaded.error);
+    if (const int failed = LoadInput(command, input, image)) {
+        return failed;
     }
     if (args.Has("color")) {
         if (image.IsTrueColor()) {

@@ -72,14 +72,9 @@ bool MakeTrueColor(C_Image& source, C_Image& colour) {
 int RunConvert(const Subcommand& command, const ParsedArgs& args) {
     const std::string& input = args.Positionals()[0];
     const std::string& output = args.Positionals()[1];
-    if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
-        return UsageError(command,
-                          "cannot tell the format of '" + output + "': name it .bmp or .png");
-    }
     C_Image image;
-    const ImageFileResult loaded = LoadImageFile(input, image);
-    if (!loaded.ok) {
-        return Failure(command, loaded.error);
+    if (const int failed = LoadInput(command, input, image)) {
+        return failed;
     }
     if (args.Has("grey") && args.Has("truecolor")) {
         return UsageError(command, "--grey and --truecolor exclude each other");

@@ -51,15 +51,10 @@ int RunSelect(const Subcommand& command, const ParsedArgs& args) {
     if (args.Has("color") && !ParseColor(args.Value("color"), colour)) {
         return UsageError(command, ColorError(args.Value("color")));
     }
-    if (ImageFileFormatFromPath(output) == ImageFileFormat::Unknown) {
-        return UsageError(command,
-                          "cannot tell the format of " + Quote(output) + ": name it .bmp or .png");
-    }
 
     C_Image image;
-    const ImageFileResult loaded = LoadImageFile(input, image);
-    if (!loaded.ok) {
-        return Failure(command, loaded.error);
+    if (const int failed = LoadInput(command, input, image)) {
+        return failed;
     }
     C_Image mask;
     if (args.Has("grow")) {

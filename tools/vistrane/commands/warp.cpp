@@ -37,18 +37,16 @@ int RunWarp(const Subcommand& command, const ParsedArgs& args) {
         }
     }
     C_Image image;
-    const ImageFileResult loaded = LoadImageFile(input, image);
-    if (!loaded.ok) {
-        return Failure(command, loaded.error);
+    if (const int failed = LoadInput(command, input, image)) {
+        return failed;
     }
     C_Image mask;
     CRect whole;
     image.Rectangle(&whole);
     CRect* sourceRect = &whole;
     if (args.Has("mask")) {
-        const ImageFileResult maskLoaded = LoadImageFile(args.Value("mask"), mask);
-        if (!maskLoaded.ok) {
-            return Failure(command, maskLoaded.error);
+        if (const int failed = LoadInput(command, args.Value("mask"), mask)) {
+            return failed;
         }
         if (!mask.IsMask() || !mask.SameDimensionsAs(&image)) {
             return Failure(command, "the mask must be a grey image of the same size as the input");

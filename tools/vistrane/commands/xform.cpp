@@ -282,9 +282,8 @@ int RunXForm(const Subcommand& command, const ParsedArgs& args) {
     }
 
     C_Image picture;
-    const ImageFileResult loaded = LoadImageFile(args.Positionals()[0], picture);
-    if (!loaded.ok) {
-        return Failure(command, loaded.error);
+    if (const int failed = LoadInput(command, args.Positionals()[0], picture)) {
+        return failed;
     }
     C_Image mask;
     if (args.Has("mask")) {
