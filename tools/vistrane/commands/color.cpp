@@ -10,6 +10,7 @@
 #include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
+#include "common/progress.h"
 
 namespace vistrane::cli {
 namespace {
@@ -67,7 +68,13 @@ int RunColor(const Subcommand& command, const ParsedArgs& args) {
         return Failure(command, error);
     }
     glb_CreateImageLUTs();
-    image.ColorOperation(static_cast<COLOROPER_TYPE>(type), params, hasMask ? &mask : nullptr);
+    {
+        // The bar goes before the report of what was written.
+        ProgressReporter progress("colour");
+        image.SetProgressCallback(&ProgressReporter::Report, &progress);
+        image.ColorOperation(static_cast<COLOROPER_TYPE>(type), params, hasMask ? &mask : nullptr);
+        image.SetProgressCallback(nullptr, nullptr);
+    }
     glb_ReleaseImageLUTs();
     return SaveOutput(command, positionals[1], image);
 }

@@ -12,6 +12,7 @@
 #include "commands/commands.h"
 #include "common/edit_options.h"
 #include "common/output_file.h"
+#include "common/progress.h"
 
 namespace vistrane::cli {
 namespace {
@@ -122,9 +123,16 @@ int RunFilter(const Subcommand& command, const ParsedArgs& args) {
     int field[FILTER_KERNEL_TAPS];
     Centre(weights, field);
     glb_CreateImageLUTs();
-    const int done = image.FilterImage(mode, static_cast<unsigned char>(opacity), option, 0, 0,
-                                       image.Width(), image.Height(), hasMask ? &mask : nullptr,
-                                       field, offset, divisor, type, nullptr, 0, 0);
+    int done = 0;
+    {
+        // The bar goes before the report of what was written.
+        ProgressReporter progress("filtering");
+        image.SetProgressCallback(&ProgressReporter::Report, &progress);
+        done = image.FilterImage(mode, static_cast<unsigned char>(opacity), option, 0, 0,
+                                 image.Width(), image.Height(), hasMask ? &mask : nullptr, field,
+                                 offset, divisor, type, nullptr, 0, 0);
+        image.SetProgressCallback(nullptr, nullptr);
+    }
     glb_ReleaseImageLUTs();
     if (done == 0) {
         return Failure(command, "the filter could not run on this " +

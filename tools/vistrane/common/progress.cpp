@@ -23,16 +23,16 @@ ProgressReporter::~ProgressReporter() {
     }
 }
 
-int ProgressReporter::Report(void* context, int done, int total) {
+int ProgressReporter::Report(void* context, long done, long total) {
     static_cast<ProgressReporter*>(context)->Show(done, total);
     return 1;
 }
 
-void ProgressReporter::Show(int done, int total) {
+void ProgressReporter::Show(long done, long total) {
     if (!m_Terminal || total <= 0 || std::chrono::steady_clock::now() - m_Start < kQuietStart) {
         return;
     }
-    const int clamped = done < 0 ? 0 : done > total ? total : done;
+    const long clamped = done < 0 ? 0 : done > total ? total : done;
     const int percent = static_cast<int>(100LL * clamped / total);
     if (percent == m_LastPercent) {
         return;

@@ -2,8 +2,7 @@
 
 // A progress bar on stderr for work long enough to wonder about: drawn only when stderr is a
 // terminal and only once the work has run for half a second, so quick runs, pipes and logs
-// stay clean. Report has the shape of the engine's per-image progress callback, with the
-// reporter as its context.
+// stay clean. Report is an IMAGE_PROGRESS callback, with the reporter as its context.
 
 #include <chrono>
 #include <string>
@@ -18,10 +17,10 @@ class ProgressReporter {
     ProgressReporter& operator=(const ProgressReporter&) = delete;
 
     // `context` is the ProgressReporter; returns 1 so that the work goes on.
-    static int Report(void* context, int done, int total);
+    static int Report(void* context, long done, long total);
 
   private:
-    void Show(int done, int total);
+    void Show(long done, long total);
 
     std::string m_Label;
     std::chrono::steady_clock::time_point m_Start;
