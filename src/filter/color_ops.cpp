@@ -30,12 +30,6 @@ void ColourOf(const image::PixelView& view, const BYTE* row, int x, BYTE* bgr) {
     bgr[0] = c.rgbBlue, bgr[1] = c.rgbGreen, bgr[2] = c.rgbRed;
 }
 
-// Whether to go on before row y: the host hears of every band of rows.
-bool Continue(const ColorOpArgs& args, int y) {
-    return args.progress == nullptr || y % image::kProgressBandRows != 0 ||
-           args.progress->Report(y);
-}
-
 // False when the host cancelled.
 bool RunColorOp(const image::PixelView& view, const image::PixelView& mask, const ColorOpArgs& args,
                 C_Helper& helper) {
@@ -46,7 +40,7 @@ bool RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
                   std::equal(args.tables.red, args.tables.red + 256, args.tables.blue)))) {
         const LutBytesFn lut = LutBytesFor(cpu::Best());
         for (int y = 0; y < view.height; ++y) {
-            if (!Continue(args, y)) {
+            if (!image::GoOn(args.progress, y)) {
                 return false;
             }
             lut(view.Row(y), view.RowBytes(), args.tables.red);
@@ -57,7 +51,7 @@ bool RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
         auto lut = std::make_unique<BgrLut>();
         FillBgrLut(*lut, args.tables.blue, args.tables.green, args.tables.red);
         for (int y = 0; y < view.height; ++y) {
-            if (!Continue(args, y)) {
+            if (!image::GoOn(args.progress, y)) {
                 return false;
             }
             LutBgrWords(view.Row(y), view.width, *lut);
@@ -70,7 +64,7 @@ bool RunColorOp(const image::PixelView& view, const image::PixelView& mask, cons
         hsvShifter = std::make_unique<HsvShifter>(args.shifts[0], args.shifts[1], args.shifts[2]);
     }
     for (int y = 0; y < view.height; ++y) {
-        if (!Continue(args, y)) {
+        if (!image::GoOn(args.progress, y)) {
             return false;
         }
         BYTE* row = view.Row(y);

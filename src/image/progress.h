@@ -33,6 +33,11 @@ class Progress {
     long m_Total;
 };
 
+// Whether an operation goes on before row y: the host hears of every band of rows.
+inline bool GoOn(const Progress* progress, long y) {
+    return progress == nullptr || y % kProgressBandRows != 0 || progress->Report(y);
+}
+
 // A copy of the rows of a view, taken before an operation that works in place, so that a cancel
 // can undo it. Take is false when the copy cannot be had.
 class RowsSnapshot {

@@ -4,6 +4,7 @@
 #include <vistrane/platform/dc.h>
 
 #include "image/pixel_view.h"
+#include "image/progress.h"
 #include "image/temporary_image.h"
 #include "xform/resample.h"
 
@@ -171,7 +172,11 @@ int RunWorker(const C_Image& image, long x, long y, long width, long height, C_I
         return 0;
     }
     GdiFlush();
-    return worker(src, ViewOf(*target)) ? 1 : 0;
+    const vistrane::image::Progress progress(image, size.cy);
+    return worker(src, ViewOf(*target), progress.Active() ? &progress : nullptr) &&
+                   progress.Report(size.cy)
+               ? 1
+               : 0;
 }
 
 }  // namespace

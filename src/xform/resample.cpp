@@ -151,7 +151,8 @@ class GatheredRows {
     int m_Rows[3] = {-1, -1, -1};
 };
 
-bool ExpandRows(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel kernel) {
+bool ExpandRows(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel kernel,
+                const image::Progress* progress) {
     const int bpp = src.bytesPerPixel;
     const int dw = dst.width;
     const std::size_t rowBytes = static_cast<std::size_t>(dst.RowBytes());
@@ -170,6 +171,9 @@ bool ExpandRows(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel
                     static_cast<std::uint16_t>(t.a));
     }
     for (int y = 0; y < dst.height; ++y) {
+        if (!image::GoOn(progress, y)) {
+            return false;
+        }
         const Tap100 ty = Tap100For(y, src.height, dst.height);
         const ExpandRowInputs in{rows.Own(src, cols, dw, ty.c),
                                  rows.Side(src, cols, dw, ty.c),
@@ -200,7 +204,7 @@ void BoxRow(const BYTE* in, const std::int32_t* starts, int dw, BYTE* out) {
 }
 
 template <int Bpp, typename Sum>
-bool ReduceXRows(const ConstPixelView& src, const PixelView& dst) {
+bool ReduceXRows(const ConstPixelView& src, const PixelView& dst, const image::Progress* progress) {
     const int w = src.width;
     std::unique_ptr<std::int32_t[]> starts;
     auto line = TryAllocate<BYTE>(static_cast<std::size_t>(w) * Bpp);
@@ -208,6 +212,9 @@ bool ReduceXRows(const ConstPixelView& src, const PixelView& dst) {
         return false;
     }
     for (int y = 0; y < dst.height; ++y) {
+        if (!image::GoOn(progress, y)) {
+            return false;
+        }
         const Tap64 t = Tap64For(y, src.height, dst.height);
         InterpolateRows64<Bpp>(src.Row(t.s0), src.Row(t.s1), t.f, w, line.get());
         BoxRow<Bpp, Sum>(line.get(), starts.get(), dst.width, dst.Row(y));
@@ -218,7 +225,7 @@ bool ReduceXRows(const ConstPixelView& src, const PixelView& dst) {
 // ---- ResampleReduceY -----------------------------------------------------------------------
 
 template <int Bpp, typename Sum>
-bool ReduceYRows(const ConstPixelView& src, const PixelView& dst) {
+bool ReduceYRows(const ConstPixelView& src, const PixelView& dst, const image::Progress* progress) {
     const int dw = dst.width;
     const std::size_t sums = static_cast<std::size_t>(dw) * Bpp;
     std::unique_ptr<std::int32_t[]> bands;
@@ -232,6 +239,9 @@ bool ReduceYRows(const ConstPixelView& src, const PixelView& dst) {
         taps[x] = {t.s0 * Bpp, t.s1 * Bpp, t.f};
     }
     for (int y = 0; y < dst.height; ++y) {
+        if (!image::GoOn(progress, y)) {
+            return false;
+        }
         std::fill(acc.get(), acc.get() + sums, Sum{0});
         for (int j = bands[y]; j < bands[y + 1]; ++j) {
             const BYTE* row = src.Row(j);
@@ -281,7 +291,8 @@ void AddRow(const BYTE* __restrict in, int count, Sum* __restrict acc) {
 }
 
 template <int Bpp, typename Sum>
-bool ReduceXYRows(const ConstPixelView& src, const PixelView& dst) {
+bool ReduceXYRows(const ConstPixelView& src, const PixelView& dst,
+                  const image::Progress* progress) {
     const int dw = dst.width;
     const int rowBytes = src.RowBytes();
     std::unique_ptr<std::int32_t[]> starts;
@@ -294,6 +305,9 @@ bool ReduceXYRows(const ConstPixelView& src, const PixelView& dst) {
     }
     int lastRows = 0;
     for (int y = 0; y < dst.height; ++y) {
+        if (!image::GoOn(progress, y)) {
+            return false;
+        }
         const int rows = bands[y + 1] - bands[y];
         if (rows != lastRows) {
             for (int x = 0; x < dw; ++x) {
@@ -386,65 +400,70 @@ ExpandRowKernel ExpandRowFor(cpu::InstructionSet set) {
     return ExpandRowRef;
 }
 
-bool ResampleExpandWith(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel kernel) {
+bool ResampleExpandWith(const ConstPixelView& src, const PixelView& dst, ExpandRowKernel kernel,
+                        const image::Progress* progress) {
     assert(src.bytesPerPixel == dst.bytesPerPixel && !src.Empty() && !dst.Empty());
     assert(dst.width >= src.width && dst.height >= src.height);
-    return ExpandRows(src, dst, kernel);
+    return ExpandRows(src, dst, kernel, progress);
 }
 
-bool ResampleExpand(const ConstPixelView& src, const PixelView& dst) {
-    return ResampleExpandWith(src, dst, ExpandRowFor(cpu::Best()));
+bool ResampleExpand(const ConstPixelView& src, const PixelView& dst,
+                    const image::Progress* progress) {
+    return ResampleExpandWith(src, dst, ExpandRowFor(cpu::Best()), progress);
 }
 
-bool ResampleReduceX(const ConstPixelView& src, const PixelView& dst) {
+bool ResampleReduceX(const ConstPixelView& src, const PixelView& dst,
+                     const image::Progress* progress) {
     assert(src.bytesPerPixel == dst.bytesPerPixel && !src.Empty() && !dst.Empty());
     assert(dst.width < src.width && dst.height >= src.height);
     if (FitsNarrowSums(LongestRun(src.width, dst.width))) {
-        return src.bytesPerPixel == 3 ? ReduceXRows<3, std::uint32_t>(src, dst)
-                                      : ReduceXRows<1, std::uint32_t>(src, dst);
+        return src.bytesPerPixel == 3 ? ReduceXRows<3, std::uint32_t>(src, dst, progress)
+                                      : ReduceXRows<1, std::uint32_t>(src, dst, progress);
     }
-    return src.bytesPerPixel == 3 ? ReduceXRows<3, std::uint64_t>(src, dst)
-                                  : ReduceXRows<1, std::uint64_t>(src, dst);
+    return src.bytesPerPixel == 3 ? ReduceXRows<3, std::uint64_t>(src, dst, progress)
+                                  : ReduceXRows<1, std::uint64_t>(src, dst, progress);
 }
 
-bool ResampleReduceY(const ConstPixelView& src, const PixelView& dst) {
+bool ResampleReduceY(const ConstPixelView& src, const PixelView& dst,
+                     const image::Progress* progress) {
     assert(src.bytesPerPixel == dst.bytesPerPixel && !src.Empty() && !dst.Empty());
     assert(dst.width >= src.width && dst.height < src.height);
     if (FitsNarrowSums(LongestRun(src.height, dst.height))) {
-        return src.bytesPerPixel == 3 ? ReduceYRows<3, std::uint32_t>(src, dst)
-                                      : ReduceYRows<1, std::uint32_t>(src, dst);
+        return src.bytesPerPixel == 3 ? ReduceYRows<3, std::uint32_t>(src, dst, progress)
+                                      : ReduceYRows<1, std::uint32_t>(src, dst, progress);
     }
-    return src.bytesPerPixel == 3 ? ReduceYRows<3, std::uint64_t>(src, dst)
-                                  : ReduceYRows<1, std::uint64_t>(src, dst);
+    return src.bytesPerPixel == 3 ? ReduceYRows<3, std::uint64_t>(src, dst, progress)
+                                  : ReduceYRows<1, std::uint64_t>(src, dst, progress);
 }
 
-bool ResampleReduceXY(const ConstPixelView& src, const PixelView& dst) {
+bool ResampleReduceXY(const ConstPixelView& src, const PixelView& dst,
+                      const image::Progress* progress) {
     assert(src.bytesPerPixel == dst.bytesPerPixel && !src.Empty() && !dst.Empty());
     assert(dst.width < src.width && dst.height < src.height);
     // Column sums gather one band of rows.
     const long long rows = LongestRun(src.height, dst.height);
     if (rows * 255 <= std::numeric_limits<std::uint16_t>::max()) {
-        return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint16_t>(src, dst)
-                                      : ReduceXYRows<1, std::uint16_t>(src, dst);
+        return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint16_t>(src, dst, progress)
+                                      : ReduceXYRows<1, std::uint16_t>(src, dst, progress);
     }
     if (FitsNarrowSums(rows)) {
-        return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint32_t>(src, dst)
-                                      : ReduceXYRows<1, std::uint32_t>(src, dst);
+        return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint32_t>(src, dst, progress)
+                                      : ReduceXYRows<1, std::uint32_t>(src, dst, progress);
     }
-    return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint64_t>(src, dst)
-                                  : ReduceXYRows<1, std::uint64_t>(src, dst);
+    return src.bytesPerPixel == 3 ? ReduceXYRows<3, std::uint64_t>(src, dst, progress)
+                                  : ReduceXYRows<1, std::uint64_t>(src, dst, progress);
 }
 
-bool Resample(const ConstPixelView& src, const PixelView& dst) {
+bool Resample(const ConstPixelView& src, const PixelView& dst, const image::Progress* progress) {
     switch (ChooseResampleWorker(src.width, src.height, dst.width, dst.height)) {
         case ResampleWorker::Expand:
-            return ResampleExpand(src, dst);
+            return ResampleExpand(src, dst, progress);
         case ResampleWorker::ReduceX:
-            return ResampleReduceX(src, dst);
+            return ResampleReduceX(src, dst, progress);
         case ResampleWorker::ReduceY:
-            return ResampleReduceY(src, dst);
+            return ResampleReduceY(src, dst, progress);
         case ResampleWorker::ReduceXY:
-            return ResampleReduceXY(src, dst);
+            return ResampleReduceXY(src, dst, progress);
     }
     return false;
 }

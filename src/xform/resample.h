@@ -17,6 +17,7 @@
 #include <cstdint>
 
 #include "image/pixel_view.h"
+#include "image/progress.h"
 #include "xform/xform_kernels.h"
 
 namespace vistrane::xform {
@@ -34,18 +35,24 @@ inline int ReductionMapEntry(int i, int n, int m) {
 }
 
 // Enlarging both axes (or keeping them): bilinear in 1/100 of a pixel.
-[[nodiscard]] bool ResampleExpand(const image::ConstPixelView& src, const image::PixelView& dst);
+[[nodiscard]] bool ResampleExpand(const image::ConstPixelView& src, const image::PixelView& dst,
+                                  const image::Progress* progress = nullptr);
 // The same with a named row kernel, for tests and benchmarks.
 [[nodiscard]] bool ResampleExpandWith(const image::ConstPixelView& src, const image::PixelView& dst,
-                                      ExpandRowKernel kernel);
+                                      ExpandRowKernel kernel,
+                                      const image::Progress* progress = nullptr);
 // Narrower, same height or taller: 1/64 interpolation down the columns, box across.
-[[nodiscard]] bool ResampleReduceX(const image::ConstPixelView& src, const image::PixelView& dst);
+[[nodiscard]] bool ResampleReduceX(const image::ConstPixelView& src, const image::PixelView& dst,
+                                   const image::Progress* progress = nullptr);
 // Same width or wider, shorter: 1/64 interpolation along the rows, box down.
-[[nodiscard]] bool ResampleReduceY(const image::ConstPixelView& src, const image::PixelView& dst);
+[[nodiscard]] bool ResampleReduceY(const image::ConstPixelView& src, const image::PixelView& dst,
+                                   const image::Progress* progress = nullptr);
 // Narrower and shorter: box on both axes, (sum / rows) / columns.
-[[nodiscard]] bool ResampleReduceXY(const image::ConstPixelView& src, const image::PixelView& dst);
+[[nodiscard]] bool ResampleReduceXY(const image::ConstPixelView& src, const image::PixelView& dst,
+                                    const image::Progress* progress = nullptr);
 // The worker the rule chooses.
-[[nodiscard]] bool Resample(const image::ConstPixelView& src, const image::PixelView& dst);
+[[nodiscard]] bool Resample(const image::ConstPixelView& src, const image::PixelView& dst,
+                            const image::Progress* progress = nullptr);
 
 // Nearest neighbour over whole views with the same bytes per pixel. Rows are counted from the
 // bottom, as the bitmaps store them: destination row r (from the bottom) takes source row

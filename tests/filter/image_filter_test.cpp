@@ -200,7 +200,7 @@ struct Watcher {
     }
 };
 
-// Filters and colour operations report rising progress that ends at the whole; a cancel
+// Filters, colour operations and resampling report rising progress that ends at the whole; a cancel
 // part-way returns 0 and leaves the picture (and the carried filter colour) as it was.
 TEST(Progress, LongOperationsReportAndCancelCleanly) {
     glb_CreateImageLUTs();
@@ -219,6 +219,8 @@ TEST(Progress, LongOperationsReportAndCancelCleanly) {
             i.PixelColorOperation(COLOROPER_HSV, shifts, nullptr);
             return -1;
         },
+        // Reported in rows of the result, here the same count as the picture's.
+        [](C_Image& i) { return i.Resample(CSize(20, 200)); },
     };
     for (std::size_t k = 0; k < operations.size(); ++k) {
         for (const long cancelAt : {-1L, 64L}) {

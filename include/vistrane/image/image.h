@@ -400,12 +400,14 @@ class VISTRANE_API C_Image : public CObject {
 
     // ---- Progress of long operations -------------------------------------------------------
 
-    // FilterImage and the colour operations on pixels (ColorOperation, PixelColorOperation,
-    // LUTColorOperation, TurnGrayNeg) call the callback between bands of rows
+    // FilterImage, the colour operations on pixels (ColorOperation, PixelColorOperation,
+    // LUTColorOperation, TurnGrayNeg) and the filtered resampling (Resample, CreateResampling:
+    // rows of the result; the callback of the source) call the callback between bands of rows
     // with the rows done and the rows in all, ending with done = total. When it returns 0 the
     // operation stops, leaves the image as it was and returns 0 (members without a result just
-    // return). The callback is this image's own; null, the default, reports nothing and costs
-    // nothing. Copies and TransformInto do not carry it over.
+    // return; CreateResampling, a create, leaves its image empty). The callback is this image's
+    // own; null, the default, reports nothing and costs nothing. Copies and TransformInto do not
+    // carry it over.
     void SetProgressCallback(IMAGE_PROGRESS callback, void* context);
     IMAGE_PROGRESS GetProgressCallback() const { return m_Progress; }
     void* GetProgressContext() const { return m_ProgressContext; }

@@ -8,6 +8,7 @@
 
 #include "commands/commands.h"
 #include "common/output_file.h"
+#include "common/progress.h"
 
 namespace vistrane::cli {
 namespace {
@@ -44,6 +45,8 @@ int RunResize(const Subcommand& command, const ParsedArgs& args) {
     }
     const bool nearest = args.Has("nearest");
     int done = 0;
+    ProgressReporter progress("resizing");
+    image.SetProgressCallback(&ProgressReporter::Report, &progress);
     if (args.Has("fit")) {
         LONG fitted = image.Width();
         LONG fittedHeight = image.Height();
@@ -58,6 +61,8 @@ int RunResize(const Subcommand& command, const ParsedArgs& args) {
         const CSize size(width, height);
         done = nearest ? image.DIBResize(size) : image.Resample(size);
     }
+    image.SetProgressCallback(nullptr, nullptr);
+    progress.Finish();
     if (!done) {
         return Failure(command, "not enough memory to resize to " + sizeText);
     }

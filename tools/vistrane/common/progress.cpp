@@ -18,8 +18,13 @@ ProgressReporter::ProgressReporter(std::string label)
       m_Terminal(isatty(STDERR_FILENO) != 0) {}
 
 ProgressReporter::~ProgressReporter() {
+    Finish();
+}
+
+void ProgressReporter::Finish() {
     if (m_Drawn) {
         std::fputc('\n', stderr);
+        m_Drawn = false;
     }
 }
 

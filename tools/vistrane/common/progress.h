@@ -16,6 +16,9 @@ class ProgressReporter {
     ProgressReporter(const ProgressReporter&) = delete;
     ProgressReporter& operator=(const ProgressReporter&) = delete;
 
+    // Ends the bar's line, so that what follows starts on a line of its own.
+    void Finish();
+
     // `context` is the ProgressReporter; returns 1 so that the work goes on.
     static int Report(void* context, long done, long total);
 
