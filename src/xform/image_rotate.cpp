@@ -3,6 +3,7 @@
 #include <vistrane/image/image.h>
 
 #include "image/pixel_view.h"
+#include "image/progress.h"
 #include "image/temporary_image.h"
 #include "xform/rotate.h"
 
@@ -25,8 +26,13 @@ int ShearInto(C_Image& image, double radians, const BYTE* background,
         return 0;
     }
     vistrane::image::TemporaryImage temp = make(sizes.width, sizes.height);
-    if (!temp || !vistrane::xform::ShearRotate(AsConst(ViewOf(image)), ViewOf(*temp), radians,
-                                               sizes, background, mode)) {
+    // The first and last shears count their rows, the middle one its columns.
+    const long units = image.Height() + sizes.firstWidth + sizes.height;
+    const vistrane::image::Progress progress(image, units);
+    if (!temp ||
+        !vistrane::xform::ShearRotate(AsConst(ViewOf(image)), ViewOf(*temp), radians, sizes,
+                                      background, mode, progress.Active() ? &progress : nullptr) ||
+        !progress.Report(units)) {
         return 0;
     }
     image.TransformInto(temp.release(), 1);

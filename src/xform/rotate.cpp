@@ -381,7 +381,8 @@ void FillAroundRow(BYTE* row, int length, SplitOffset offset, int disp, int n, c
 
 template <int Bpp, ShearMode Mode>
 bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double radians,
-                     const ShearSizes& z, const BYTE* bg, const ShearKernels& kernels) {
+                     const ShearSizes& z, const BYTE* bg, const ShearKernels& kernels,
+                     const image::Progress* progress) {
     const int w = src.width;
     const int h = src.height;
     const std::size_t firstPixels = static_cast<std::size_t>(z.firstWidth) * h;
@@ -396,7 +397,11 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
     const bool positive = radians > 0;
     const std::ptrdiff_t firstRow = static_cast<std::ptrdiff_t>(z.firstWidth) * Bpp;
 
+    // Progress counts the rows of the first and last shears and the columns of the middle one.
     for (int i = 0; i < h; ++i) {
+        if (!image::GoOn(progress, i)) {
+            return false;
+        }
         // h - i, not h - 1 - i: keeps the original shear offset.
         const double o = positive ? i * z.tanHalf : (h - i) * z.tanHalf;
         FillAroundRow<Bpp>(first + firstRow * i, z.firstWidth, Split(o), 0, w, bg);
@@ -409,12 +414,19 @@ bool ShearRotateRows(const ConstPixelView& src, const PixelView& dst, double rad
         columnOffsets[j] = Split(positive ? (z.firstWidth - j) * z.sine : j * z.sine);
     }
     for (int j0 = 0; j0 < z.firstWidth; j0 += kShearStrip) {
+        if (progress != nullptr && !progress->Report(h + j0)) {
+            return false;
+        }
         ShearColumns<Bpp, Mode>(first, h, second, firstRow, z.height, columnOffsets.get(), j0,
                                 std::min(j0 + kShearStrip, z.firstWidth), -z.trim, bg,
                                 kernels.pairs);
     }
 
     for (int i = 0; i < z.height; ++i) {
+        if (progress != nullptr && i % image::kProgressBandRows == 0 &&
+            !progress->Report(h + z.firstWidth + i)) {
+            return false;
+        }
         const double o = positive ? i * z.tanHalf : (z.height - i) * z.tanHalf;
         FillAroundRow<Bpp>(dst.Row(i), z.width, Split(o), -z.shift, z.firstWidth, bg);
         ShearRow<Bpp, Mode>(second + firstRow * i, z.firstWidth, dst.Row(i), z.width, Split(o),
@@ -479,24 +491,28 @@ ShearPairsKernel ShearPairsFor(cpu::InstructionSet set) {
 
 bool ShearRotateWith(const ConstPixelView& src, const PixelView& dst, double radians,
                      const ShearSizes& sizes, const BYTE* background, ShearMode mode,
-                     const ShearKernels& kernels) {
+                     const ShearKernels& kernels, const image::Progress* progress) {
     assert(dst.width == sizes.width && dst.height == sizes.height);
     assert(src.bytesPerPixel == dst.bytesPerPixel);
     if (src.bytesPerPixel == 3) {
-        return mode == ShearMode::Blend ? ShearRotateRows<3, ShearMode::Blend>(
-                                              src, dst, radians, sizes, background, kernels)
-                                        : ShearRotateRows<3, ShearMode::Copy>(
-                                              src, dst, radians, sizes, background, kernels);
+        return mode == ShearMode::Blend
+                   ? ShearRotateRows<3, ShearMode::Blend>(src, dst, radians, sizes, background,
+                                                          kernels, progress)
+                   : ShearRotateRows<3, ShearMode::Copy>(src, dst, radians, sizes, background,
+                                                         kernels, progress);
     }
-    return mode == ShearMode::Blend
-               ? ShearRotateRows<1, ShearMode::Blend>(src, dst, radians, sizes, background, kernels)
-               : ShearRotateRows<1, ShearMode::Copy>(src, dst, radians, sizes, background, kernels);
+    return mode == ShearMode::Blend ? ShearRotateRows<1, ShearMode::Blend>(
+                                          src, dst, radians, sizes, background, kernels, progress)
+                                    : ShearRotateRows<1, ShearMode::Copy>(
+                                          src, dst, radians, sizes, background, kernels, progress);
 }
 
 bool ShearRotate(const ConstPixelView& src, const PixelView& dst, double radians,
-                 const ShearSizes& sizes, const BYTE* background, ShearMode mode) {
+                 const ShearSizes& sizes, const BYTE* background, ShearMode mode,
+                 const image::Progress* progress) {
     return ShearRotateWith(src, dst, radians, sizes, background, mode,
-                           ShearKernels{ShearRowFor(cpu::Best()), ShearPairsFor(cpu::Best())});
+                           ShearKernels{ShearRowFor(cpu::Best()), ShearPairsFor(cpu::Best())},
+                           progress);
 }
 
 }  // namespace vistrane::xform

@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "image/pixel_view.h"
+#include "image/progress.h"
 #include "xform/xform_kernels.h"
 
 namespace vistrane::xform {
@@ -49,13 +50,14 @@ struct ShearKernels {
 
 // Rotates src into dst, which must be sizes.width x sizes.height with the same bytes per pixel;
 // `background` is one pixel (1 or 3 bytes) for what the rotation uncovers. False when the
-// intermediate buffers cannot be had.
+// intermediate buffers cannot be had or `progress` says the host cancelled.
 [[nodiscard]] bool ShearRotate(const image::ConstPixelView& src, const image::PixelView& dst,
                                double radians, const ShearSizes& sizes, const BYTE* background,
-                               ShearMode mode);
+                               ShearMode mode, const image::Progress* progress = nullptr);
 // The same with a named row kernel for the two row shears, for tests and benchmarks.
 [[nodiscard]] bool ShearRotateWith(const image::ConstPixelView& src, const image::PixelView& dst,
                                    double radians, const ShearSizes& sizes, const BYTE* background,
-                                   ShearMode mode, const ShearKernels& kernels);
+                                   ShearMode mode, const ShearKernels& kernels,
+                                   const image::Progress* progress = nullptr);
 
 }  // namespace vistrane::xform

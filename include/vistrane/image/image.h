@@ -401,8 +401,9 @@ class VISTRANE_API C_Image : public CObject {
     // ---- Progress of long operations -------------------------------------------------------
 
     // FilterImage, the colour operations on pixels (ColorOperation, PixelColorOperation,
-    // LUTColorOperation, TurnGrayNeg) and the filtered resampling (Resample, CreateResampling:
-    // rows of the result; the callback of the source) call the callback between bands of rows
+    // LUTColorOperation, TurnGrayNeg), the filtered resampling (Resample, CreateResampling:
+    // rows of the result; the callback of the source) and rotation by any angle (the rows and
+    // columns of its three shears) call the callback between bands of rows
     // with the rows done and the rows in all, ending with done = total. When it returns 0 the
     // operation stops, leaves the image as it was and returns 0 (members without a result just
     // return; CreateResampling, a create, leaves its image empty). The callback is this image's

@@ -9,6 +9,7 @@
 
 #include "commands/commands.h"
 #include "common/output_file.h"
+#include "common/progress.h"
 
 namespace vistrane::cli {
 namespace {
@@ -50,7 +51,10 @@ int RunRotate(const Subcommand& command, const ParsedArgs& args) {
     } else {
         // Whole turns beyond one are taken off first: the engine keeps 360 as two quarter
         // turns, a half turn and a zero shear.
+        ProgressReporter progress("rotating");
+        image.SetProgressCallback(&ProgressReporter::Report, &progress);
         done = image.Rotate1To359Double(std::fmod(degrees, 360.0));
+        image.SetProgressCallback(nullptr, nullptr);
     }
     if (!done) {
         return Failure(command, "not enough memory to rotate the image");
