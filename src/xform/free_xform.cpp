@@ -101,8 +101,8 @@ void SampleInterpolated(const FreeXFormSource& source, const FreeXFormTarget& ta
 
 }  // namespace
 
-void FreeXForm(const FreeXFormSource& source, const FreeXFormTarget& target,
-               const CPoint (&corners)[4], bool nearest) {
+bool FreeXForm(const FreeXFormSource& source, const FreeXFormTarget& target,
+               const CPoint (&corners)[4], bool nearest, const image::Progress* progress) {
     assert(source.mask.bytesPerPixel == 1 && target.mask.bytesPerPixel == 1);
     assert(source.image.Empty() == target.image.Empty());
     assert(target.image.Empty() ||
@@ -113,6 +113,9 @@ void FreeXForm(const FreeXFormSource& source, const FreeXFormTarget& target,
     geom.PreCalcPointInsidePoly(&inside, corners, 4);
     const QuadDistances distances(corners, source.rect);
     for (int y = 0; y < target.mask.height; ++y) {
+        if (!image::GoOn(progress, y)) {
+            return false;
+        }
         for (int x = 0; x < target.mask.width; ++x) {
             if (!geom.IsPointInsidePolyPreCalc(&inside, CPoint(x, y))) {
                 continue;
@@ -125,6 +128,7 @@ void FreeXForm(const FreeXFormSource& source, const FreeXFormTarget& target,
             }
         }
     }
+    return progress == nullptr || progress->Report(target.mask.height);
 }
 
 }  // namespace vistrane::xform

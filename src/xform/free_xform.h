@@ -14,6 +14,7 @@
 #include <vistrane/platform/geometry.h>
 
 #include "image/pixel_view.h"
+#include "image/progress.h"
 
 namespace vistrane::xform {
 
@@ -60,8 +61,8 @@ class QuadDistances {
 // coordinates truncated; a position outside the rectangle counts as outside. Interpolating:
 // (s00 (100 - fx)(100 - fy) + s10 fx (100 - fy) + s01 (100 - fx) fy + s11 fx fy + 5000) / 10000
 // with fx, fy the truncated percent fractions; neighbours past the rectangle's last column or
-// row repeat it.
-void FreeXForm(const FreeXFormSource& source, const FreeXFormTarget& target,
-               const CPoint (&corners)[4], bool nearest);
+// row repeat it. False when `progress` says the host cancelled (the target is then part-done).
+bool FreeXForm(const FreeXFormSource& source, const FreeXFormTarget& target,
+               const CPoint (&corners)[4], bool nearest, const image::Progress* progress = nullptr);
 
 }  // namespace vistrane::xform

@@ -95,7 +95,12 @@ FREEXFORM_RESULTS C_Image::MaskFreeXForm(CPoint topLeft, CPoint topRight, CPoint
     }
     const CPoint relative[4] = {topLeft - box.TopLeft(), topRight - box.TopLeft(),
                                 bottomRight - box.TopLeft(), bottomLeft - box.TopLeft()};
-    vistrane::xform::FreeXForm(source, target, relative, nearest != 0);
+    // The host watches through this mask's callback; a cancel abandons the temporaries.
+    const vistrane::image::Progress progress(*this, box.Height());
+    if (!vistrane::xform::FreeXForm(source, target, relative, nearest != 0,
+                                    progress.Active() ? &progress : nullptr)) {
+        return FREEXFORM_NOTHING;
+    }
     if (sourceImage == nullptr) {
         whole->DibBlt(box.left, box.top, box.Width(), box.Height(), mask.get(), 0, 0, 0);
         TransformInto(whole.release(), 1);

@@ -202,8 +202,9 @@ struct Watcher {
     }
 };
 
-// Filters, colour operations, resampling and rotation report rising progress that ends at the whole; a cancel
-// part-way returns 0 and leaves the picture (and the carried filter colour) as it was.
+// Filters, colour operations, resampling and rotation report rising progress that ends at the
+// whole; a cancel part-way returns 0 and leaves the picture (and the carried filter colour) as it
+// was.
 TEST(Progress, LongOperationsReportAndCancelCleanly) {
     glb_CreateImageLUTs();
     int blur[49] = {};
@@ -224,6 +225,22 @@ TEST(Progress, LongOperationsReportAndCancelCleanly) {
         // Reported in rows of the result, here the same count as the picture's.
         [](C_Image& i) { return i.Resample(CSize(20, 200)); },
         [](C_Image& i) { return i.Rotate1To359Double(7.5); },
+        // The four-corner transform of a picture through a full mask; its result says 0 for done.
+        [](C_Image& i) {
+            C_Image full, moved, movedMask;
+            if (!full.CreateMask(i.Width(), i.Height())) {
+                return 0;
+            }
+            full.FillBitmapBytes(255);
+            movedMask.SetProgressCallback(i.GetProgressCallback(), i.GetProgressContext());
+            const FREEXFORM_RESULTS r =
+                movedMask.MaskFreeXForm(CPoint(0, 0), CPoint(40, 10), CPoint(30, 190),
+                                        CPoint(5, 200), &full, &moved, &i, 0, nullptr);
+            if (r == FREEXFORM_OK) {
+                i.TransformInto(&moved, 0);
+            }
+            return r == FREEXFORM_OK ? 1 : 0;
+        },
     };
     for (std::size_t k = 0; k < operations.size(); ++k) {
         for (const long cancelAt : {-1L, 64L}) {

@@ -402,9 +402,10 @@ class VISTRANE_API C_Image : public CObject {
 
     // FilterImage, the colour operations on pixels (ColorOperation, PixelColorOperation,
     // LUTColorOperation, TurnGrayNeg), the filtered resampling (Resample, CreateResampling:
-    // rows of the result; the callback of the source) and rotation by any angle (the rows and
-    // columns of its three shears) call the callback between bands of rows
-    // with the rows done and the rows in all, ending with done = total. When it returns 0 the
+    // rows of the result; the callback of the source), rotation by any angle (the rows and
+    // columns of its three shears) and MaskFreeXForm (the rows of the box; the callback of the
+    // mask it is called on, and FREEXFORM_NOTHING for a cancel) call the callback between bands of
+    // rows with the rows done and the rows in all, ending with done = total. When it returns 0 the
     // operation stops, leaves the image as it was and returns 0 (members without a result just
     // return; CreateResampling, a create, leaves its image empty). The callback is this image's
     // own; null, the default, reports nothing and costs nothing. Copies and TransformInto do not

@@ -8,6 +8,7 @@
 
 #include "commands/commands.h"
 #include "common/output_file.h"
+#include "common/progress.h"
 
 namespace vistrane::cli {
 namespace {
@@ -60,9 +61,12 @@ int RunWarp(const Subcommand& command, const ParsedArgs& args) {
     }
     C_Image warped;
     C_Image warpedMask;
+    ProgressReporter progress("warping");
+    warpedMask.SetProgressCallback(&ProgressReporter::Report, &progress);
     const FREEXFORM_RESULTS result = warpedMask.MaskFreeXForm(
         CPoint(c[0], c[1]), CPoint(c[2], c[3]), CPoint(c[4], c[5]), CPoint(c[6], c[7]), &mask,
         &warped, &image, args.Has("nearest") ? 1 : 0, sourceRect);
+    progress.Finish();
     switch (result) {
         case FREEXFORM_OK:
             break;

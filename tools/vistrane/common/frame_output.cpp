@@ -1,5 +1,7 @@
 #include "common/frame_output.h"
 
+#include "common/progress.h"
+
 #include <algorithm>
 
 #include <vistrane/platform/dc.h>
@@ -82,9 +84,12 @@ std::string ConfirmFrame(const C_FreeXFormFrame& frame, C_Image& picture, C_Imag
     CRect source(bounds.left, bounds.top, bounds.right + 1, bounds.bottom + 1);
     C_Image moved;
     C_Image movedMask;
+    ProgressReporter progress("transforming");
+    movedMask.SetProgressCallback(&ProgressReporter::Report, &progress);
     const FREEXFORM_RESULTS transformed = movedMask.MaskFreeXForm(
         points[FXF_TopLeft], points[FXF_TopRight], points[FXF_BottomRight], points[FXF_BottomLeft],
         &paddedMask, &moved, &paddedPicture, options.nearest ? 1 : 0, &source);
+    progress.Finish();
     switch (transformed) {
         case FREEXFORM_OK:
             break;
